@@ -1,0 +1,85 @@
+#include "app/MenuBar1.h"
+
+#include "platform/Application.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QApplication>
+#include <QLineEdit>
+#include <QMenuBar>
+
+// The Edit items have no handler of the program's own: they act on the focused text field.
+static void textFieldCommand(const QString &name)
+{
+    auto *field = qobject_cast<QLineEdit *>(QApplication::focusWidget());
+    if (!field) return;
+    if (name == "EditUndo") field->undo();
+    else if (name == "EditCut") field->cut();
+    else if (name == "EditCopy") field->copy();
+    else if (name == "EditPaste") field->paste();
+    else if (name == "EditClear") field->del();
+}
+
+const QList<MenuItemSpec> &MenuBar1::items()
+{
+    static const QList<MenuItemSpec> table = {
+        {"", "FileMenu", "&File", ""},
+        {"FileMenu", "FileQuit", "Quit", "Cmd+Q"},
+        {"FileMenu", "FilePrint", "Print", "Cmd+p"},
+        {"FileMenu", "FileClose", "Close", "Cmd+W"},
+        {"FileMenu", "FilePreferences", "Preferences", ""},
+        {"", "EditMenu", "&Edit", ""},
+        {"EditMenu", "EditUndo", "Undo", "Cmd+Z"},
+        {"EditMenu", "UntitledMenu0", "-", ""},
+        {"EditMenu", "EditCut", "Cut", "Cmd+X"},
+        {"EditMenu", "EditCopy", "Copy", "Cmd+C"},
+        {"EditMenu", "EditPaste", "Paste", "Cmd+V"},
+        {"EditMenu", "EditClear", "Clear", ""},
+    };
+    return table;
+}
+
+QString MenuBar1::toQtShortcut(const QString &shortcut)
+{
+    if (shortcut.isEmpty()) return {};
+    QString s = shortcut;
+    s.replace("Cmd+", "Ctrl+", Qt::CaseInsensitive);
+    const int plus = s.lastIndexOf('+');
+    return s.left(plus + 1) + s.mid(plus + 1).toUpper();
+}
+
+QMenuBar *MenuBar1::buildBar(fw::Application &app, QWidget *parent)
+{
+    auto *bar = new QMenuBar(parent);
+    QHash<QString, QMenu *> menus;
+    for (const MenuItemSpec &it : items()) {
+        if (it.parent.isEmpty()) {
+            QMenu *m = bar->addMenu(it.text);
+            m->setObjectName(it.name);
+            m->menuAction()->setObjectName(it.name);
+            menus.insert(it.name, m);
+            continue;
+        }
+        QMenu *menu = menus.value(it.parent);
+        if (it.text == "-") {
+            menu->addSeparator()->setObjectName(it.name);
+            continue;
+        }
+        QAction *a = menu->addAction(it.text);
+        a->setObjectName(it.name);
+        if (!it.shortcut.isEmpty()) a->setShortcut(QKeySequence(toQtShortcut(it.shortcut)));
+        const QString name = it.name;
+        QObject::connect(a, &QAction::triggered, &app, [&app, name] {
+            if (!app.dispatchMenuCommand(name)) textFieldCommand(name);
+        });
+    }
+    return bar;
+}
+
+QAction *MenuBar1::find(QMenuBar *bar, const QString &name)
+{
+    if (!bar) return nullptr;
+    for (QAction *a : bar->findChildren<QAction *>())
+        if (a->objectName() == name) return a;
+    return nullptr;
+}

@@ -1,0 +1,24 @@
+// Vantrel: a resident capture utility. Started once, it waits with no window; Shift+Ctrl+2
+// anywhere runs an interactive capture and opens the editor on it.
+
+#include "app/App.h"
+#include "platform/Services.h"
+#include "prefs/Preferences.h"
+
+#include <QApplication>
+
+int main(int argc, char **argv)
+{
+    QApplication qapp(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Vantrel"));
+    QApplication::setOrganizationDomain(QStringLiteral("Morlane.com"));
+    // A resident program: hiding or closing its last window never ends it.
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    auto services = fw::Services::forThisMachine();
+    Preferences preferences(services->preferenceDomains);
+    App app(*services);
+    preferences.msgBox = [&app](const QString &text) { app.MsgBox(text); };
+    app._Startup();
+    return QApplication::exec();
+}

@@ -1,0 +1,54 @@
+#include "capture/keytrigger.h"
+
+#include "capture/CGImage.h"
+#include "capture/CaptureCommand.h"
+#include "editor/Window1.h"
+#include "platform/Clipboard.h"
+#include "platform/Failure.h"
+#include "platform/HotKeyService.h"
+#include "platform/Services.h"
+#include "recent/recentwin.h"
+
+#include <QPainter>
+
+quint32 captureSignature() { return fw::OSTypeFromString("sccp"); }
+
+keytrigger::keytrigger(fw::HotKeyService &events, QObject *parent)
+    : QObject(parent), m_events(events)
+{
+}
+
+void keytrigger::Listen()
+{
+    if (m_listening) return;
+    m_listening = true;
+    connect(&m_events, &fw::HotKeyService::hotKeyPressed, this, [this](quint32 sig, int id) {
+        fw::guarded([&] { Event_HotKeyPressed(sig, id); });
+    });
+}
+
+void keytrigger::Event_HotKeyPressed(quint32 hotkeysignature, int)
+{
+    if (hotkeysignature != captureSignature()) return;
+    Window1 &w = Window1::instance();
+    fw::Services &services = w.services();
+
+    fw::Shell shell(*services.commands);
+    shell.Mode = 0;
+    // The main thread stands still until the user has finished the selection.
+    shell.Execute(capture::captureCommandFor(services.osVersionString()));
+
+    fw::Clipboard clipboard;
+    if (!clipboard.PictureAvailable()) return;
+    const QImage p = clipboard.Picture();
+    // A picture that can't be decoded fails here, before it could reach the drawer.
+    fw::nilCheck(p);
+    recentwin::instance().addimage(p);
+
+    QImage mask = fw::nilCheck(capture::NewPicture(p.width(), p.height()));
+    mask.fill(QColor(0, 0, 0));
+
+    w.mypic = capture::CGCreateImage(capture::BitmapOf(p), mask);
+    if (w.mypic.isNull()) return;
+    w.loadimage(QString());
+}

@@ -1,0 +1,87 @@
+#include "editor/Caption.h"
+
+#include "editor/EditorMath.h"
+#include "platform/Failure.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QTextLayout>
+#include <cmath>
+
+namespace editor {
+
+QFont Caption::font()
+{
+    QFont f(QStringLiteral("DejaVu Sans"));
+    f.setPixelSize(11);
+    f.setStyleHint(QFont::SansSerif);
+    return f;
+}
+
+double Caption::StringWidth(const QString &text)
+{
+    return QFontMetricsF(font()).horizontalAdvance(text);
+}
+
+// Lays the text out in lines no wider than the width; returns the number of lines.
+static int layoutLines(QTextLayout &layout, double wrapWidth)
+{
+    QTextOption opt;
+    opt.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(opt);
+    layout.beginLayout();
+    const double lineHeight = QFontMetricsF(layout.font()).lineSpacing();
+    int n = 0;
+    for (;;) {
+        QTextLine line = layout.createLine();
+        if (!line.isValid()) break;
+        line.setLineWidth(std::max(1.0, wrapWidth));
+        line.setPosition(QPointF(0, n * lineHeight));
+        ++n;
+    }
+    layout.endLayout();
+    return n;
+}
+
+int Caption::StringHeight(const QString &text, int wrapWidth)
+{
+    QTextLayout layout(text, font());
+    const int lines = std::max(1, layoutLines(layout, wrapWidth));
+    return toInt(std::ceil(lines * QFontMetricsF(font()).lineSpacing()));
+}
+
+QImage Caption::band(const QString &text, int width, int height)
+{
+    if (width < 1 || height < 1) return {};
+    QImage band(width, height, QImage::Format_ARGB32_Premultiplied);
+    if (band.isNull()) return band;
+    band.fill(Qt::transparent);
+    QPainter p(&band);
+    // The plate: black, 110 of 255 grey in the mask, so 145/255 opaque; arcs of 10.
+    p.setPen(Qt::NoPen);
+    p.setBrush(QColor(0, 0, 0, 145));
+    p.drawRoundedRect(QRectF(0, 0, width, height), 5, 5);
+    // The letters replace the plate: fully opaque white.
+    p.setCompositionMode(QPainter::CompositionMode_Source);
+    p.setRenderHint(QPainter::TextAntialiasing, true);
+    p.setRenderHint(QPainter::Antialiasing, true);
+    p.setPen(Qt::white);
+    QTextLayout layout(text, font());
+    layoutLines(layout, width - 4);
+    const double ascent = QFontMetricsF(font()).ascent();
+    layout.draw(&p, QPointF(3, 14 - ascent));
+    return band;
+}
+
+void Caption::burnInto(QImage &picture, const QString &text)
+{
+    const int W = picture.width();
+    const int bw = bandWidth(StringWidth(text), W);
+    const int bh = StringHeight(text, W - 14) + 6;
+    const QImage b = fw::nilCheck(band(text, bw, bh));
+    const BandGeometry g = placeBand(picture.size(), bw, bh);
+    QPainter p(&picture);
+    p.drawImage(g.x, g.y, b);
+}
+
+} // namespace editor

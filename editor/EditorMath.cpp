@@ -1,0 +1,101 @@
+#include "editor/EditorMath.h"
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+
+namespace editor {
+
+double Val(const QString &text)
+{
+    int i = 0;
+    const int n = text.size();
+    while (i < n && text[i].isSpace()) ++i;
+    const int start = i;
+    if (i < n && (text[i] == '+' || text[i] == '-')) ++i;
+    int digits = 0;
+    while (i < n && text[i].isDigit() && text[i].unicode() < 128) ++i, ++digits;
+    if (i < n && text[i] == '.') {
+        ++i;
+        while (i < n && text[i].isDigit() && text[i].unicode() < 128) ++i, ++digits;
+    }
+    if (digits == 0) return 0.0;
+    if (i < n && (text[i] == 'e' || text[i] == 'E')) {
+        int j = i + 1;
+        if (j < n && (text[j] == '+' || text[j] == '-')) ++j;
+        const int expStart = j;
+        while (j < n && text[j].isDigit() && text[j].unicode() < 128) ++j;
+        if (j > expStart) i = j;
+    }
+    bool ok = false;
+    const double v = text.mid(start, i - start).toDouble(&ok);
+    return ok ? v : 0.0;
+}
+
+int toInt(double v)
+{
+    if (std::isnan(v)) return 0;
+    if (v >= double(INT_MAX)) return INT_MAX;
+    if (v <= double(INT_MIN)) return INT_MIN;
+    return static_cast<int>(v);
+}
+
+WindowPlacement loadImageGeometry(QSize picture, const fw::ScreenInfo &s)
+{
+    WindowPlacement p{};
+    p.Height = toInt(std::max(std::min(double(s.Height - 100), double(picture.height() + 91)), 250.0));
+    p.Width = toInt(std::max(std::min(double(s.AvailableWidth), double(picture.width() + 16)), 300.0));
+    p.Left = toInt(std::max((s.Width - p.Width) / 2.0, double(s.AvailableLeft)));
+    p.Top = toInt(std::max((s.Height - p.Height) / 2.0, 100.0));
+    p.MaxHeight = s.AvailableHeight - 25;
+    p.MaxWidth = s.AvailableWidth;
+    return p;
+}
+
+double scaleFactor(int currentscale)
+{
+    const double f = currentscale / 100.0;
+    return (f == 0.0 || f > 10.0) ? 1.0 : f;
+}
+
+QSize scaledSize(QSize source, double factor)
+{
+    return QSize(toInt(source.width() * factor), toInt(source.height() * factor));
+}
+
+int bandWidth(double textWidth, int pictureWidth)
+{
+    return toInt(std::min(textWidth + 10.0, double(pictureWidth - 10)));
+}
+
+BandGeometry placeBand(QSize picture, int bw, int bh)
+{
+    return {bw, bh, toInt(double(picture.width() - bw) / 2.0), picture.height() - bh - 5};
+}
+
+ScrollRanges scrollRanges(QSize capture, const QString &scaleText, QSize canvas, int hValue,
+                          int hMaximum, int vValue, int vMaximum)
+{
+    double hRatio = hMaximum == 0 ? 0.5 : double(hValue) / hMaximum;
+    double vRatio = vMaximum == 0 ? 0.5 : double(vValue) / vMaximum;
+    double factor = Val(scaleText) / 100.0;
+    if (factor == 0.0) factor = 1.0;
+    ScrollRanges r{};
+    r.hMaximum = toInt(std::max(capture.width() * factor - canvas.width() + 1.0, 0.0));
+    r.vMaximum = toInt(std::max(capture.height() * factor - canvas.height() + 1.0, 0.0));
+    r.hValue = toInt(r.hMaximum * hRatio);
+    r.vValue = toInt(r.vMaximum * vRatio);
+    return r;
+}
+
+PaintPlacement paintPlacement(QSize picture, QSize canvas, int hValue, int vValue)
+{
+    const double W = canvas.width(), H = canvas.height();
+    double x = 0.0, y = 0.0;
+    if (picture.width() < W) x = (W - picture.width()) / 2.0;
+    if (picture.height() < H) y = (H - picture.height()) / 2.0;
+    return {QRect(toInt(x + 1.0), toInt(y + 1.0), toInt(W - 2.0), toInt(H - 2.0)),
+            QPoint(hValue, vValue)};
+}
+
+} // namespace editor

@@ -1,0 +1,237 @@
+#include "editor/Window1.h"
+
+#include "app/App.h"
+#include "app/MenuBar1.h"
+#include "capture/keytrigger.h"
+#include "platform/Canvas.h"
+#include "platform/Failure.h"
+#include "platform/HotKeyService.h"
+#include "platform/Services.h"
+#include "platform/WindowRegistry.h"
+#include "prefs/Preferences.h"
+#include "recent/recentwin.h"
+
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QScrollBar>
+#include <QSlider>
+#include <QToolButton>
+
+using fw::LockBottom;
+using fw::LockLeft;
+using fw::LockRight;
+using fw::LockTop;
+
+Window1::Window1(fw::Services &services, fw::WindowRegistry &registry)
+    : fw::Window(services, registry)
+{
+    setWindowTitle(QStringLiteral("Vantrel"));
+    setWindowRole(QStringLiteral("editor"));
+    setObjectName(QStringLiteral("Window1"));
+    buildControls();
+    setMinSize(300, 200);
+    resize(designSize.width(), designSize.height() + barsHeight());
+    layoutFor(size());
+    connectControls();
+    AddMenuHandlers();
+}
+
+Window1::~Window1() = default;
+
+Window1 &Window1::instance() { return App::instance().windows().get<Window1>(); }
+
+void Window1::buildControls()
+{
+    menuBar = MenuBar1::buildBar(App::instance(), this);
+    m_content = new fw::Canvas(this);
+    m_content->setObjectName(QStringLiteral("content"));
+    m_content->onMouseDown = [this](int x, int y) { return Event_MouseDown(x, y); };
+    m_content->onMouseDrag = [this](int x, int y) { Event_MouseDrag(x, y); };
+
+    Canvas1 = new fw::Canvas(m_content);
+    Canvas1->setObjectName(QStringLiteral("Canvas1"));
+    Canvas1->setAccessibleName(QStringLiteral("Canvas1"));
+
+    Slider1 = new QSlider(Qt::Horizontal, m_content);
+    Slider1->setObjectName(QStringLiteral("Slider1"));
+    Slider1->setAccessibleName(QStringLiteral("Scale"));
+    Slider1->setRange(10, 200);
+    Slider1->setValue(100);
+    Slider1->setSingleStep(1);
+    Slider1->setPageStep(20);
+    Slider1->setTracking(true);
+
+    QFont small = font();
+    small.setPixelSize(11);
+    scaleField = new QLineEdit(QStringLiteral("100"), m_content);
+    scaleField->setObjectName(QStringLiteral("scaleField"));
+    scaleField->setAccessibleName(QStringLiteral("Scale percent"));
+    scaleField->setFont(small);
+    scaleField->setTextMargins(0, 0, 0, 0);
+    scaleField->setStyleSheet(QStringLiteral("QLineEdit { padding: 0px; }"));
+
+    StaticText1 = new QLabel(QStringLiteral("%"), m_content);
+    QFont bold = small;
+    bold.setBold(true);
+    StaticText1->setFont(bold);
+
+    ScrollBarH = new QScrollBar(Qt::Horizontal, m_content);
+    ScrollBarH->setObjectName(QStringLiteral("ScrollBarH"));
+    ScrollBarV = new QScrollBar(Qt::Vertical, m_content);
+    ScrollBarV->setObjectName(QStringLiteral("ScrollBarV"));
+    for (QScrollBar *bar : {ScrollBarH, ScrollBarV}) {
+        bar->setRange(0, 100);
+        bar->setValue(0);
+        bar->setSingleStep(1);
+        bar->setPageStep(20);
+        bar->setTracking(true);
+    }
+
+    StaticText2 = new QLabel(QStringLiteral("Scale:"), m_content);
+    BevelButton1 = new QToolButton(m_content);
+    BevelButton1->setObjectName(QStringLiteral("BevelButton1"));
+    BevelButton1->setAccessibleName(QStringLiteral("Preset scales"));
+    BevelButton1->setPopupMode(QToolButton::InstantPopup);
+    BevelButton1->setArrowType(Qt::DownArrow);
+    BevelButton1->setFocusPolicy(Qt::NoFocus);
+    BevelButton1->setAutoRaise(true);
+    BevelButton1->setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }"));
+
+    captionText = new QLineEdit(m_content);
+    captionText->setObjectName(QStringLiteral("captionText"));
+    captionText->setAccessibleName(QStringLiteral("Caption"));
+    StaticText3 = new QLabel(QStringLiteral("Caption:"), m_content);
+    StaticText3->setBuddy(captionText);
+    StaticText2->setBuddy(scaleField);
+
+    // The control table at the design size of 400 by 440, in tab order.
+    m_layout.add(Canvas1, {0, 0, 385, 350}, LockLeft | LockTop | LockRight | LockBottom);
+    m_layout.add(Slider1, {50, 400, 284, 14}, LockLeft | LockRight | LockBottom);
+    m_layout.add(scaleField, {351, 397, 27, 15}, LockRight | LockBottom);
+    m_layout.add(StaticText1, {381, 395, 9, 19}, LockRight | LockBottom);
+    m_layout.add(ScrollBarH, {0, 350, 385, 16}, LockLeft | LockRight | LockBottom);
+    m_layout.add(ScrollBarV, {385, 0, 16, 350}, LockTop | LockRight | LockBottom);
+    m_layout.add(StaticText2, {11, 394, 42, 20}, LockLeft | LockBottom);
+    m_layout.add(BevelButton1, {338, 397, 11, 15}, LockRight | LockBottom);
+    m_layout.add(captionText, {65, 370, 313, 22}, LockLeft | LockRight | LockBottom);
+    m_layout.add(StaticText3, {11, 371, 100, 20}, LockLeft | LockBottom);
+    setTabOrder(Slider1, scaleField);
+    setTabOrder(scaleField, captionText);
+    // The labels sit under the controls they name, as laid out; keep the controls on top.
+    StaticText2->lower();
+    StaticText3->lower();
+}
+
+void Window1::connectControls()
+{
+    connect(Slider1, &QSlider::valueChanged, this, [this] { fw::guarded([this] { Slider1_ValueChanged(); }); });
+    connect(scaleField, &QLineEdit::textChanged, this, [this] { fw::guarded([this] { scaleField_TextChange(); }); });
+    connect(captionText, &QLineEdit::textChanged, this, [this] { fw::guarded([this] { captionText_TextChange(); }); });
+    connect(ScrollBarH, &QScrollBar::valueChanged, this, [this] { fw::guarded([this] { ScrollBarH_ValueChanged(); }); });
+    connect(ScrollBarV, &QScrollBar::valueChanged, this, [this] { fw::guarded([this] { ScrollBarV_ValueChanged(); }); });
+    Canvas1->onPaint = [this](QPainter &g, int w, int h) { Canvas1_Paint(g, w, h); };
+    Canvas1->onMouseDown = [this](int x, int y) { return Canvas1_MouseDown(x, y); };
+    Canvas1->onMouseDrag = [this](int x, int y) { Canvas1_MouseDrag(x, y); };
+    Canvas1->onMouseUp = [this](int x, int y) { Canvas1_MouseUp(x, y); };
+    Canvas1->onMouseMove = [this](int x, int y) { Canvas1_MouseMove(x, y); };
+}
+
+void Window1::openControls() { BevelButton1_Open(); }
+
+int Window1::barsHeight() const { return menuBar ? menuBar->sizeHint().height() : 0; }
+
+void Window1::layoutFor(const QSize &size)
+{
+    const int bars = barsHeight();
+    if (menuBar) menuBar->setGeometry(0, 0, size.width(), bars);
+    const QSize content(size.width(), size.height() - bars);
+    m_content->setGeometry(0, bars, content.width(), content.height());
+    m_layout.apply(content);
+}
+
+void Window1::Event_Open()
+{
+    App::instance().process = QStringLiteral("OpenEditor");
+    // The exporter comes with the output commands.
+    Preferences &prefs = Preferences::module();
+    if (!prefs.MyPref) prefs.MyPref = prefs.newStore();
+
+    fw::StoreObject o = prefs.MyPref->CopyAppValue(PrefKeys::Settings.str(), prefs.appname);
+    if (o && o->isA(fw::StoreValue::Kind::Data)) settings = o->toData();
+
+    // DefaultFolder: a URL of an existing folder; no value at all means the Desktop; a value
+    // that names no folder leaves it nil (the commands that use it deal with that).
+    o = prefs.MyPref->CopyAppValue(PrefKeys::DefaultFolder.str(), prefs.appname);
+    std::optional<QString> file;
+    if (o) {
+        const QUrl url = o->toUrl(); // checked: another type fails here
+        if (url.isLocalFile()) file = url.toLocalFile();
+    }
+    if (file && QFileInfo(*file).isDir()) DefaultFolder = QDir(*file);
+    if (!file) DefaultFolder = QDir(services().desktopFolder());
+
+    // The hot key: Shift+Command (Control here) and the key that types "2".
+    mytrigger = std::make_unique<keytrigger>(*services().hotKeys);
+    fw::HotKeyService &keys = *services().hotKeys;
+    keys.AddKey(keys.AsciiToKeyCode('2'), fw::kCmdKey | fw::kShiftKey, captureSignature(), 1);
+    hotkey = true;
+    mytrigger->Listen();
+}
+
+bool Window1::Event_CancelClose(bool)
+{
+    if (!App::instance().quitting) {
+        Hide();
+        return true;
+    }
+    return false;
+}
+
+void Window1::Event_Resized()
+{
+    recentwin &drawer = recentwin::instance();
+    drawer.setHeight(Height());
+    setscroll();
+    drawer.setscroll();
+}
+
+bool Window1::Event_MouseDown(int x, int y)
+{
+    xdown = x;
+    ydown = y;
+    return true;
+}
+
+void Window1::Event_MouseDrag(int x, int y)
+{
+    setLeft(Left() + x - xdown);
+    setTop(Top() + y - ydown);
+}
+
+void Window1::AddMenuHandlers()
+{
+    AddMenuHandler(QStringLiteral("FileQuit"), [this] { return _FileQuit_Action(); });
+    AddMenuHandler(QStringLiteral("FilePrint"), [this] { return _FilePrint_Action(); });
+    AddMenuHandler(QStringLiteral("FilePageSetup"), [this] { return _FilePageSetup_Action(); });
+    AddMenuHandler(QStringLiteral("FileClose"), [this] { return _FileClose_Action(); });
+}
+
+bool Window1::_FileQuit_Action()
+{
+    App::instance().quitting = true;
+    return false;
+}
+
+bool Window1::_FileClose_Action()
+{
+    recentwin::instance().Hide();
+    Hide();
+    return false;
+}
+
+bool Window1::_FilePrint_Action() { return true; }
+
+bool Window1::_FilePageSetup_Action() { return false; }

@@ -1,0 +1,52 @@
+// Loading a capture into the editor: size and centre the window for the picture on the main
+// screen, decide the scale and the format, and show it.
+
+#include "editor/EditorMath.h"
+#include "editor/Window1.h"
+
+#include "app/App.h"
+#include "platform/Canvas.h"
+#include "platform/Screen.h"
+#include "prefs/Preferences.h"
+#include "prefs/prefwin.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+
+void Window1::loadimage(const QString &scale)
+{
+    // Made with the scale of the previous picture: the size below follows it.
+    ScaledImage = getscaledimage();
+    if (ScaledImage.isNull()) return;
+
+    const editor::WindowPlacement g = editor::loadImageGeometry(ScaledImage.size(), fw::Screen0());
+    setHeight(g.Height);
+    setWidth(g.Width);
+    setLeft(g.Left);
+    setTop(g.Top);
+    setMaxHeight(g.MaxHeight);
+    setMaxWidth(g.MaxWidth);
+
+    Preferences &prefs = Preferences::module();
+    QString last = prefs.prefgetstringvalue(PrefKeys::LastScale);
+    if (!scale.isEmpty()) {
+        setScaleFieldText(scale);
+    } else if (last.isEmpty()) {
+        setScaleFieldText(QStringLiteral("100"));
+    } else {
+        setScaleFieldText(last);
+        setSliderValue(editor::toInt(editor::Val(last)));
+    }
+
+    last = prefs.prefgetstringvalue(PrefKeys::LastFormat);
+    prefwin &prefs_window = prefwin::instance();
+    for (int i = 0; i <= prefs_window.PopupMenu1->count() - 1; ++i) {
+        if (prefs_window.PopupMenu1->itemText(i).compare(last, Qt::CaseInsensitive) == 0)
+            prefs_window.setPopupMenu1ListIndex(i);
+    }
+
+    Canvas1->Refresh(true);
+    Show();
+    App::instance().gotofront();
+    setscroll();
+}

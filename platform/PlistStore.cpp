@@ -1,0 +1,146 @@
+#include "platform/PlistStore.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <cerrno>
+#include <fcntl.h>
+#include <plist/plist.h>
+#include <unistd.h>
+
+namespace fw {
+
+void PlistDeleter::operator()(void *p) const
+{
+    if (p) plist_free(static_cast<plist_t>(p));
+}
+
+namespace plistfile {
+
+Loaded load(const QString &path)
+{
+    Loaded out;
+    QFile f(path);
+    if (!f.exists()) return out;
+    if (!f.open(QIODevice::ReadOnly)) {
+        out.state = State::Corrupt;
+        return out;
+    }
+    const QByteArray bytes = f.readAll();
+    plist_t node = nullptr;
+    if (!bytes.isEmpty() && bytes.size() < 0x7fffffff)
+        plist_from_memory(bytes.constData(), static_cast<uint32_t>(bytes.size()), &node);
+    if (!node || plist_get_node_type(node) != PLIST_DICT) {
+        if (node) plist_free(node);
+        out.state = State::Corrupt;
+        return out;
+    }
+    out.state = State::Ok;
+    out.root.reset(node);
+    return out;
+}
+
+static bool writeAll(int fd, const char *data, size_t len)
+{
+    while (len > 0) {
+        ssize_t n = ::write(fd, data, len);
+        if (n < 0) {
+            if (errno == EINTR) continue;
+            return false;
+        }
+        data += n;
+        len -= static_cast<size_t>(n);
+    }
+    return true;
+}
+
+bool writeAtomically(const QString &path, void *node)
+{
+    const QFileInfo info(path);
+    QDir().mkpath(info.absolutePath());
+    char *xml = nullptr;
+    uint32_t len = 0;
+    plist_to_xml(static_cast<plist_t>(node), &xml, &len);
+    if (!xml) return false;
+
+    QByteArray tmpl = QFile::encodeName(info.absolutePath() + "/." + info.fileName() + ".XXXXXX");
+    int fd = ::mkstemp(tmpl.data());
+    if (fd < 0) {
+        plist_to_xml_free(xml);
+        return false;
+    }
+    bool ok = writeAll(fd, xml, len) && ::fsync(fd) == 0;
+    plist_to_xml_free(xml);
+    ok = (::close(fd) == 0) && ok;
+    if (ok) ok = ::rename(tmpl.constData(), QFile::encodeName(path).constData()) == 0;
+    if (!ok) {
+        ::unlink(tmpl.constData());
+        return false;
+    }
+    // Make the rename itself durable.
+    int dfd = ::open(QFile::encodeName(info.absolutePath()).constData(), O_RDONLY | O_DIRECTORY);
+    if (dfd >= 0) {
+        ::fsync(dfd);
+        ::close(dfd);
+    }
+    return true;
+}
+
+} // namespace plistfile
+
+PlistStore::PlistStore(QString path) : m_path(std::move(path)) {}
+PlistStore::~PlistStore() = default;
+
+void PlistStore::ensureLoaded()
+{
+    if (m_loaded) return;
+    m_loaded = true;
+    auto loaded = plistfile::load(m_path);
+    m_dict = loaded.state == plistfile::State::Ok ? std::move(loaded.root)
+                                                    : PlistPtr(plist_new_dict());
+}
+
+StoreObject PlistStore::value(const QString &key)
+{
+    ensureLoaded();
+    for (auto it = m_pending.crbegin(); it != m_pending.crend(); ++it)
+        if (it->first == key) return it->second;
+    return StoreValue::fromNode(plist_dict_get_item(m_dict.get(), key.toUtf8().constData()));
+}
+
+void PlistStore::setValue(const QString &key, const StoreObject &value)
+{
+    ensureLoaded();
+    m_pending.append({key, value});
+}
+
+bool PlistStore::synchronize()
+{
+    ensureLoaded();
+    auto disk = plistfile::load(m_path);
+    PlistPtr merged = disk.state == plistfile::State::Ok ? std::move(disk.root)
+                                                         : PlistPtr(plist_new_dict());
+    bool ok = true;
+    if (!m_pending.isEmpty()) {
+        for (const auto &[key, value] : m_pending) {
+            const QByteArray k = key.toUtf8();
+            if (value)
+                plist_dict_set_item(merged.get(), k.constData(), value->toNode());
+            else
+                plist_dict_remove_item(merged.get(), k.constData());
+        }
+        if (disk.state == plistfile::State::Corrupt) {
+            // Never overwrite what could not be read: keep it beside the new file.
+            const QString aside =
+                m_path + ".unreadable-" + QDateTime::currentDateTimeUtc().toString("yyyyMMddThhmmss");
+            QFile::rename(m_path, aside);
+        }
+        ok = plistfile::writeAtomically(m_path, merged.get());
+        if (ok) m_pending.clear();
+    }
+    if (ok) m_dict = std::move(merged);
+    return ok;
+}
+
+} // namespace fw

@@ -1,0 +1,44 @@
+#include "platform/Services.h"
+
+#include "platform/SystemInformation.h"
+#include "platform/X11HotKeyService.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QStandardPaths>
+
+namespace fw {
+
+Services::Services(Bundle b, QString configFolder)
+    : bundle(std::move(b)), preferenceDomains(std::move(configFolder)),
+      cursors(bundle.resources() + "/Cursors"), hotKeys(std::make_unique<NullHotKeyService>()),
+      commands(std::make_unique<ProcessRunner>(bundle.executableDir())),
+      osVersionString(&OSVersionString), desktopFolder(&userDesktopFolder)
+{
+}
+
+Services::~Services() = default;
+
+QString configHome()
+{
+    const QString xdg = qEnvironmentVariable("XDG_CONFIG_HOME");
+    if (!xdg.isEmpty() && QDir::isAbsolutePath(xdg)) return xdg;
+    return QDir::homePath() + "/.config";
+}
+
+QString userDesktopFolder()
+{
+    const QString env = qEnvironmentVariable("XDG_DESKTOP_DIR");
+    if (!env.isEmpty() && QDir::isAbsolutePath(env)) return env;
+    const QString std = QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);
+    return std.isEmpty() ? QDir::homePath() + "/Desktop" : std;
+}
+
+std::unique_ptr<Services> Services::forThisMachine()
+{
+    auto s = std::make_unique<Services>(Bundle(QCoreApplication::applicationDirPath()), configHome());
+    s->hotKeys = X11HotKeyService::createIfAvailable();
+    return s;
+}
+
+} // namespace fw

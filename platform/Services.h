@@ -1,0 +1,38 @@
+#pragma once
+// The platform stand-ins the program uses, made once by the composition root (main, or a test)
+// and handed to every window. Tests swap any of them for a fake.
+
+#include "platform/Bundle.h"
+#include "platform/CFPreferences.h"
+#include "platform/Cursors.h"
+#include "platform/HotKeyService.h"
+#include "platform/Shell.h"
+
+#include <functional>
+#include <memory>
+
+namespace fw {
+
+struct Services {
+    Services(Bundle bundle, QString configFolder);
+    ~Services();
+
+    Bundle bundle;
+    PreferenceDomains preferenceDomains;
+    Cursors cursors;
+    std::unique_ptr<HotKeyService> hotKeys;
+    std::unique_ptr<CommandRunner> commands;
+    std::function<QString()> osVersionString;
+    std::function<QString()> desktopFolder;
+
+    // The real services of this machine: the bundle around the running program,
+    // $XDG_CONFIG_HOME for preferences, X11 hot keys where there is an X server.
+    static std::unique_ptr<Services> forThisMachine();
+};
+
+// $XDG_CONFIG_HOME, or ~/.config.
+QString configHome();
+// The user's Desktop folder: $XDG_DESKTOP_DIR, the user-dirs file, or ~/Desktop.
+QString userDesktopFolder();
+
+} // namespace fw

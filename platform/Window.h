@@ -1,0 +1,77 @@
+#pragma once
+// A window of the program: one implicit instance per class (see WindowRegistry), framework
+// events as virtual functions, a menu handler table, and geometry in the framework's terms,
+// measured on the content area (below a window's own menu bar and tool bar, if any).
+
+#include <QHash>
+#include <QWidget>
+#include <functional>
+#include <optional>
+
+namespace fw {
+
+struct Services;
+class WindowRegistry;
+
+class Window : public QWidget {
+    Q_OBJECT
+public:
+    Window(Services &services, WindowRegistry &registry);
+    ~Window() override;
+
+    // Creation: the controls' open handlers, then the window's Event_Open. The registry runs
+    // this after the instance is reachable through its accessor.
+    void create();
+
+    // Framework events.
+    virtual void openControls() {}
+    virtual void Event_Open() {}
+    // True refuses the close. appQuitting is true on the road of Quit.
+    virtual bool Event_CancelClose(bool appQuitting);
+    // The controls' Close handlers, on a real close.
+    virtual void Event_Close() {}
+    virtual void Event_Resized() {}
+
+    // Menu handlers bound by item name.
+    void AddMenuHandler(const QString &name, std::function<bool()> handler);
+    // The handler's result, or nothing when this window has no handler of that name.
+    std::optional<bool> runMenuHandler(const QString &name);
+    bool hasMenuHandler(const QString &name) const { return m_menuHandlers.contains(name); }
+
+    // Geometry of the content area, in screen coordinates.
+    int Left() const;
+    int Top() const;
+    int Width() const;
+    int Height() const;
+    void setLeft(int v);
+    void setTop(int v);
+    void setWidth(int v);
+    void setHeight(int v);
+    void setMaxWidth(int v);
+    void setMaxHeight(int v);
+    void setMinSize(int w, int h);
+
+    void Show();
+    void Hide();
+    bool Visible() const { return isVisible(); }
+
+    Services &services() const { return m_services; }
+    WindowRegistry &registry() const { return m_registry; }
+
+protected:
+    // Height of the bars above the content area (menu bar, tool bar).
+    virtual int barsHeight() const { return 0; }
+    // Places the controls for a window of this size; runs at once on a size write, so controls
+    // follow before the write returns, even while the window is hidden.
+    virtual void layoutFor(const QSize &) {}
+    void closeEvent(QCloseEvent *e) override;
+    void resizeEvent(QResizeEvent *e) override;
+
+private:
+    Services &m_services;
+    WindowRegistry &m_registry;
+    QHash<QString, std::function<bool()>> m_menuHandlers;
+    int m_maxW = 32000, m_maxH = 32000;
+};
+
+} // namespace fw

@@ -1,0 +1,95 @@
+#include "platform/X11HotKeyService.h"
+
+#include <QGuiApplication>
+#include <QtGui/qguiapplication_platform.h>
+#include <cstdlib>
+#include <xcb/xcb.h>
+#include <xcb/xcb_keysyms.h>
+
+namespace fw {
+
+// Lock (CapsLock) and Mod2 (NumLock) must not stop the combination from firing.
+static constexpr quint16 kIgnoredMasks[] = {0, XCB_MOD_MASK_LOCK, XCB_MOD_MASK_2,
+                                            XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2};
+
+std::unique_ptr<HotKeyService> X11HotKeyService::createIfAvailable(QObject *parent)
+{
+    auto *x11 = qApp ? qApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+    xcb_connection_t *conn = x11 ? x11->connection() : nullptr;
+    if (!conn) return std::make_unique<NullHotKeyService>(parent);
+    const xcb_setup_t *setup = xcb_get_setup(conn);
+    xcb_screen_iterator_t it = xcb_setup_roots_iterator(setup);
+    return std::make_unique<X11HotKeyService>(conn, it.data->root, parent);
+}
+
+X11HotKeyService::X11HotKeyService(xcb_connection_t *connection, quint32 rootWindow,
+                                   QObject *parent)
+    : HotKeyService(parent), m_conn(connection), m_root(rootWindow)
+{
+    QCoreApplication::instance()->installNativeEventFilter(this);
+}
+
+X11HotKeyService::~X11HotKeyService()
+{
+    if (QCoreApplication::instance()) QCoreApplication::instance()->removeNativeEventFilter(this);
+}
+
+quint16 X11HotKeyService::xModifiers(int modifiers)
+{
+    quint16 mask = 0;
+    if (modifiers & kCmdKey) mask |= XCB_MOD_MASK_CONTROL;
+    if (modifiers & kShiftKey) mask |= XCB_MOD_MASK_SHIFT;
+    if (modifiers & kOptionKey) mask |= XCB_MOD_MASK_1;
+    if (modifiers & kControlKey) mask |= XCB_MOD_MASK_4;
+    return mask;
+}
+
+int X11HotKeyService::AsciiToKeyCode(int ascii)
+{
+    xcb_key_symbols_t *syms = xcb_key_symbols_alloc(m_conn);
+    if (!syms) return -1;
+    // Latin-1 characters have keysyms equal to their codes.
+    xcb_keycode_t *codes = xcb_key_symbols_get_keycode(syms, static_cast<xcb_keysym_t>(ascii));
+    int code = (codes && codes[0] != XCB_NO_SYMBOL) ? codes[0] : -1;
+    std::free(codes);
+    xcb_key_symbols_free(syms);
+    return code;
+}
+
+void X11HotKeyService::AddKey(int keycode, int modifiers, quint32 signature, int id)
+{
+    if (keycode <= 0 || keycode > 255) return;
+    const quint16 mask = xModifiers(modifiers);
+    bool ok = true;
+    for (quint16 extra : kIgnoredMasks) {
+        auto cookie = xcb_grab_key_checked(m_conn, 1, m_root, mask | extra,
+                                           static_cast<xcb_keycode_t>(keycode),
+                                           XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+        if (xcb_generic_error_t *err = xcb_request_check(m_conn, cookie)) {
+            std::free(err); // another client holds it: silent, as claimed keys should be
+            ok = false;
+        }
+    }
+    if (ok) m_grabs.append({static_cast<quint8>(keycode), mask, signature, id});
+}
+
+bool X11HotKeyService::nativeEventFilter(const QByteArray &eventType, void *message, qintptr *)
+{
+    if (eventType != "xcb_generic_event_t") return false;
+    auto *ev = static_cast<xcb_generic_event_t *>(message);
+    if ((ev->response_type & ~0x80) != XCB_KEY_PRESS) return false;
+    auto *kp = reinterpret_cast<xcb_key_press_event_t *>(ev);
+    const quint16 state = kp->state & ~(XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2);
+    for (const Grab &g : m_grabs) {
+        if (g.keycode == kp->detail && g.mask == (state & 0xff)) {
+            // Queued: the handler runs as an ordinary event, not inside X event processing.
+            QMetaObject::invokeMethod(
+                this, [this, sig = g.signature, id = g.id] { emit hotKeyPressed(sig, id); },
+                Qt::QueuedConnection);
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace fw

@@ -1,0 +1,138 @@
+#include "recent/recentwin.h"
+
+#include "recent/RecentMath.h"
+
+#include "app/App.h"
+#include "capture/CGImage.h"
+#include "editor/Window1.h"
+#include "platform/Canvas.h"
+#include "platform/Failure.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QPainter>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSlider>
+
+recentwin::recentwin(fw::Services &services, fw::WindowRegistry &registry)
+    : fw::Window(services, registry)
+{
+    setObjectName(QStringLiteral("recentwin"));
+    setWindowTitle(QStringLiteral("Recent Captures"));
+    setWindowRole(QStringLiteral("drawer"));
+    setWindowFlag(Qt::Tool, true);
+    setMinimumSize(150, 64);
+    setMaximumSize(166, 32000);
+    resize(166, 507);
+
+    Canvas2 = new fw::Canvas(this);
+    Canvas2->setObjectName(QStringLiteral("Canvas2"));
+    Canvas2->setGeometry(0, 0, 155, 467);
+    ScrollBar1 = new QScrollBar(Qt::Vertical, this);
+    ScrollBar1->setGeometry(153, 0, 16, 490);
+    ScrollBar1->setRange(0, 100);
+    ScrollBar1->setSingleStep(10);
+    ScrollBar1->setPageStep(155);
+    BevelButton1 = new QPushButton(QStringLiteral("Clear All"), this);
+    BevelButton1->setFocusPolicy(Qt::NoFocus);
+    BevelButton1->setGeometry(46, 479, 60, 18);
+    QFont small = BevelButton1->font();
+    small.setPixelSize(11);
+    BevelButton1->setFont(small);
+
+    Canvas2->onPaint = [this](QPainter &g, int, int) { Canvas2_Paint(g); };
+    Canvas2->onMouseDown = [this](int x, int y) { return Canvas2_MouseDown(x, y); };
+    Canvas2->onMouseUp = [this](int x, int y) { Canvas2_MouseUp(x, y); };
+    connect(ScrollBar1, &QScrollBar::valueChanged, this,
+            [this] { fw::guarded([this] { ScrollBar1_ValueChanged(); }); });
+    connect(BevelButton1, &QPushButton::clicked, this,
+            [this] { fw::guarded([this] { BevelButton1_Action(); }); });
+    Beep = [] { QApplication::beep(); };
+}
+
+recentwin::~recentwin() = default;
+
+recentwin &recentwin::instance() { return App::instance().windows().get<recentwin>(); }
+
+void recentwin::addimage(const QImage &picture)
+{
+    recentimages.append(picture);
+    if (recentimages.size() - 1 > 9) recentimages.removeAt(0);
+    setscroll();
+}
+
+void recentwin::setscroll()
+{
+    ScrollBar1->setMaximum(recent::scrollMaximum(int(recentimages.size()), Height()));
+    fw::rethrowPending();
+    Canvas2->Refresh(true);
+    ScrollBar1->setGeometry(ScrollBar1->x(), ScrollBar1->y(), ScrollBar1->width(), Height());
+    Canvas2->setGeometry(Canvas2->x(), Canvas2->y(), Canvas2->width(), Height() - 38);
+    BevelButton1->move(BevelButton1->x(), Height() - 25);
+}
+
+void recentwin::Canvas2_Paint(QPainter &g)
+{
+    for (int i = 0; i < recentimages.size(); ++i) {
+        const QImage &p = recentimages[i];
+        const recent::Thumbnail t = recent::thumbnailFor(p.size(), i, ScrollBar1->value());
+        g.setRenderHint(QPainter::SmoothPixmapTransform, true);
+        g.drawImage(QRect(t.x, t.y, 150, 150), p, QRect(0, 0, t.sourceSide, t.sourceSide));
+        g.setPen(QColor(50, 50, 50));
+        g.setBrush(Qt::NoBrush);
+        // A framework outline covers width by height pixels; QPainter's covers one more.
+        g.drawRect(t.frame.adjusted(0, 0, -1, -1));
+    }
+}
+
+bool recentwin::Canvas2_MouseDown(int, int) { return true; }
+
+void recentwin::Canvas2_MouseUp(int, int y)
+{
+    const int row = recent::rowAt(y, ScrollBar1->value());
+    if (recentimages.size() - 1 < row || row < 0) {
+        if (Beep) Beep();
+        return;
+    }
+    const QImage p = recentimages[row];
+    QImage mask = fw::nilCheck(capture::NewPicture(p.width(), p.height()));
+    mask.fill(QColor(0, 0, 0));
+    Window1 &editor = Window1::instance();
+    editor.mypic = capture::CGCreateImage(capture::BitmapOf(p), mask);
+    editor.loadimage(QString::number(editor.Slider1->value()));
+}
+
+void recentwin::ScrollBar1_ValueChanged() { Canvas2->Refresh(true); }
+
+void recentwin::BevelButton1_Action()
+{
+    recentimages.clear();
+    setscroll();
+}
+
+void recentwin::Event_Resized() { setscroll(); }
+
+void recentwin::followEditor()
+{
+    Window1 *editor = registry().existing<Window1>();
+    if (!editor) return;
+    const QRect frame = editor->frameGeometry();
+    move(frame.right() + 1, editor->Top());
+}
+
+void recentwin::showEvent(QShowEvent *e)
+{
+    fw::Window::showEvent(e);
+    if (Window1 *editor = registry().existing<Window1>()) {
+        editor->installEventFilter(this);
+        followEditor();
+    }
+}
+
+bool recentwin::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Move || event->type() == QEvent::Resize) followEditor();
+    if (event->type() == QEvent::Hide && watched == registry().existing<Window1>()) hide();
+    return fw::Window::eventFilter(watched, event);
+}

@@ -1,0 +1,49 @@
+#pragma once
+// The drawer of the last ten captures of this run, attached to the editor's right edge. A click
+// on a thumbnail takes that capture back into the editor.
+
+#include "platform/Window.h"
+
+#include <QImage>
+#include <QList>
+
+class QScrollBar;
+class QPushButton;
+namespace fw {
+class Canvas;
+}
+
+class recentwin : public fw::Window {
+    Q_OBJECT
+public:
+    recentwin(fw::Services &services, fw::WindowRegistry &registry);
+    ~recentwin() override;
+
+    static recentwin &instance();
+
+    // Oldest first, at most ten, the very pictures from the clipboard (shared, not copied).
+    QList<QImage> recentimages;
+
+    fw::Canvas *Canvas2 = nullptr;
+    QScrollBar *ScrollBar1 = nullptr;
+    QPushButton *BevelButton1 = nullptr;
+
+    void addimage(const QImage &picture);
+    void setscroll();
+
+    void Canvas2_Paint(QPainter &g);
+    bool Canvas2_MouseDown(int x, int y);
+    void Canvas2_MouseUp(int x, int y);
+    void ScrollBar1_ValueChanged();
+    void BevelButton1_Action();
+    void Event_Resized() override;
+
+    // Keeps the drawer against the editor's right edge, as tall as its content area.
+    void followEditor();
+    // The sound of a click that hits nothing; tests count it.
+    std::function<void()> Beep;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void showEvent(QShowEvent *e) override;
+};

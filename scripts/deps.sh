@@ -1,0 +1,27 @@
+#!/bin/sh
+# Installs the Debian 12 packages Vantrel needs to build, run and test.
+# Idempotent and non-interactive: packages already present are skipped.
+set -eu
+
+PKGS="cmake g++ make pkg-config git
+qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins qt6-svg-dev libqt6svg6 libgl-dev
+libplist-dev libplist-utils libxcb1-dev libxcb-keysyms1-dev
+libmagick++-6.q16-dev
+imagemagick xclip xdotool xvfb x11-utils x11-xserver-utils
+dbus dbus-x11 at-spi2-core python3 python3-pyatspi gir1.2-atspi-2.0
+fonts-dejavu-core"
+
+missing=""
+for p in $PKGS; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"
+done
+[ -z "$missing" ] && exit 0
+
+if [ "$(id -u)" != 0 ]; then
+  echo "deps.sh: missing packages:$missing (run as root, or install them)" >&2
+  exit 1
+fi
+export DEBIAN_FRONTEND=noninteractive
+apt-get update -qq
+# shellcheck disable=SC2086
+apt-get install -y -qq --no-install-recommends $missing >/dev/null
