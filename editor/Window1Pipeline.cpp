@@ -12,6 +12,7 @@
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QPainter>
+#include <cmath>
 
 QImage Window1::getscaledimage()
 {
@@ -20,23 +21,31 @@ QImage Window1::getscaledimage()
 
     QImage result;
     if (prefwin::instance().quartz->isChecked()) {
-        // Smooth: the capture drawn once into a rectangle that keeps its fractions.
+        // Smooth: the capture scaled in one pass to a rectangle that keeps its fractions; the
+        // partial last column and row fall outside the result.
         const QRectF rect(0, 0, mypic.width() * factor, mypic.height() * factor);
-        result = fw::nilCheck(capture::NewPicture(editor::toInt(rect.width()),
-                                                  editor::toInt(rect.height())));
-        QPainter p(&result);
-        p.setCompositionMode(QPainter::CompositionMode_Source);
-        p.setRenderHint(QPainter::SmoothPixmapTransform, true);
-        p.drawImage(rect, mypic);
+        const QSize size(editor::toInt(rect.width()), editor::toInt(rect.height()));
+        // No picture of a size below one pixel can be made.
+        if (size.width() < 1 || size.height() < 1) throw fw::NilObjectException();
+        const QSize whole(editor::toInt(std::ceil(rect.width())), editor::toInt(std::ceil(rect.height())));
+        result = mypic.scaled(whole, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        if (result.size() != size) result = result.copy(0, 0, size.width(), size.height());
+        if (result.format() != QImage::Format_RGB32)
+            result = result.convertToFormat(QImage::Format_RGB32);
+        fw::nilCheck(result);
     } else {
         // The capture at full size (its pixels as they are), stretched over the whole result
         // without smoothing.
         const QImage temp = mypic;
         const QSize size = editor::scaledSize(temp.size(), factor);
-        result = fw::nilCheck(capture::NewPicture(size.width(), size.height()));
-        QPainter p(&result);
-        p.setCompositionMode(QPainter::CompositionMode_Source);
-        p.drawImage(QRect(0, 0, result.width(), result.height()), temp, temp.rect());
+        if (size == temp.size()) {
+            result = temp; // one to one: the pixels as they are (shared until written)
+        } else {
+            result = fw::nilCheck(capture::NewPicture(size.width(), size.height()));
+            QPainter p(&result);
+            p.setCompositionMode(QPainter::CompositionMode_Source);
+            p.drawImage(QRect(0, 0, result.width(), result.height()), temp, temp.rect());
+        }
     }
 
     if (!captionText->isHidden() && !captionText->text().isEmpty())

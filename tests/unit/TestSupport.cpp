@@ -1,0 +1,116 @@
+#include "TestSupport.h"
+
+#include "platform/WindowRegistry.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QFile>
+#include <QDir>
+#include <QMimeData>
+#include <QtEndian>
+
+TestProgram::TestProgram(bool start)
+{
+    QDir().mkpath(configFolder());
+    qputenv("HOME", home.path().toUtf8());
+    qputenv("XDG_CONFIG_HOME", configFolder().toUtf8());
+    qputenv("XDG_DESKTOP_DIR", (home.path() + "/Desktop").toUtf8());
+    QDir().mkpath(home.path() + "/Desktop");
+    services = std::make_unique<fw::Services>(fw::Bundle(home.path() + "/Vantrel.app/Contents/MacOS"),
+                                              configFolder());
+    auto r = std::make_unique<FakeRunner>();
+    runner = r.get();
+    services->commands = std::move(r);
+    auto k = std::make_unique<FakeHotKeys>();
+    keys = k.get();
+    services->hotKeys = std::move(k);
+    services->osVersionString = [] { return QStringLiteral("Mac OS X 10.5.8"); };
+    prefs = std::make_unique<Preferences>(services->preferenceDomains);
+    app = std::make_unique<RecordingApp>(*services);
+    prefs->msgBox = [this](const QString &t) { app->MsgBox(t); };
+    QGuiApplication::clipboard()->clear();
+    if (start) app->_Startup();
+}
+
+TestProgram::~TestProgram()
+{
+    app.reset();
+    prefs.reset();
+    services.reset();
+}
+
+void TestProgram::writePlist(const QByteArray &xml) const
+{
+    QFile f(plistPath());
+    f.open(QIODevice::WriteOnly);
+    f.write(xml);
+}
+
+void TestProgram::captureGives(const QImage &picture)
+{
+    runner->onRun = [picture](const QStringList &) { QGuiApplication::clipboard()->setImage(picture); };
+}
+
+void TestProgram::captureGivesText(const QString &text)
+{
+    runner->onRun = [text](const QStringList &) { QGuiApplication::clipboard()->setText(text); };
+}
+
+void TestProgram::captureGivesBytes(const QByteArray &bytes, const QString &mime)
+{
+    runner->onRun = [bytes, mime](const QStringList &) {
+        auto *md = new QMimeData;
+        md->setData(mime, bytes);
+        QGuiApplication::clipboard()->setMimeData(md);
+    };
+}
+
+void TestProgram::captureGivesNothing() { runner->onRun = nullptr; }
+
+void TestProgram::pressHotKey()
+{
+    keys->press(fw::OSTypeFromString("sccp"), 1);
+    QCoreApplication::processEvents();
+}
+
+QImage patternImage(int width, int height)
+{
+    QImage img(width, height, QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            img.setPixel(x, y, qRgb((x * 7 + y) % 256, (y * 5 + x * 3) % 256, (x ^ y) % 256));
+    return img;
+}
+
+static quint32 crc32(const QByteArray &data)
+{
+    quint32 c = 0xffffffffu;
+    for (char ch : data) {
+        c ^= quint8(ch);
+        for (int k = 0; k < 8; ++k) c = (c >> 1) ^ (0xedb88320u & (0u - (c & 1u)));
+    }
+    return ~c;
+}
+
+static QByteArray chunk(const char *type, const QByteArray &body)
+{
+    QByteArray out;
+    quint32 len = qToBigEndian(quint32(body.size()));
+    out.append(reinterpret_cast<const char *>(&len), 4);
+    QByteArray typed = QByteArray(type) + body;
+    out.append(typed);
+    quint32 crc = qToBigEndian(crc32(typed));
+    out.append(reinterpret_cast<const char *>(&crc), 4);
+    return out;
+}
+
+QByteArray pngHeaderClaiming(quint32 width, quint32 height)
+{
+    QByteArray ihdr;
+    quint32 w = qToBigEndian(width), h = qToBigEndian(height);
+    ihdr.append(reinterpret_cast<const char *>(&w), 4);
+    ihdr.append(reinterpret_cast<const char *>(&h), 4);
+    ihdr.append("\x08\x02\x00\x00\x00", 5); // 8-bit RGB
+    return QByteArray("\x89PNG\r\n\x1a\n", 8) + chunk("IHDR", ihdr) +
+           chunk("IDAT", QByteArray(16, '\0')) + chunk("IEND", {});
+}

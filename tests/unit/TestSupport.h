@@ -1,0 +1,82 @@
+#pragma once
+// A whole program in one test process: temporary home and configuration folder, fake capture
+// command and hot keys, a recording message box, the real windows offscreen.
+
+#include "app/App.h"
+#include "platform/HotKeyService.h"
+#include "platform/Services.h"
+#include "prefs/Preferences.h"
+
+#include <QImage>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <functional>
+#include <memory>
+
+class FakeRunner : public fw::CommandRunner {
+public:
+    QList<QStringList> calls;
+    std::function<void(const QStringList &)> onRun;
+    int run(const QStringList &argv) override
+    {
+        calls << argv;
+        if (onRun) onRun(argv);
+        return 0;
+    }
+};
+
+class FakeHotKeys : public fw::HotKeyService {
+public:
+    struct Claim {
+        int keycode, modifiers;
+        quint32 signature;
+        int id;
+    };
+    QList<Claim> claims;
+    int AsciiToKeyCode(int ascii) override { return ascii; }
+    void AddKey(int keycode, int modifiers, quint32 signature, int id) override
+    {
+        claims.append({keycode, modifiers, signature, id});
+    }
+    void press(quint32 signature, int id) { emit hotKeyPressed(signature, id); }
+};
+
+class RecordingApp : public App {
+public:
+    using App::App;
+    QStringList messages;
+    int quitCalls = 0;
+    void MsgBox(const QString &text) override { messages << text; }
+};
+
+class TestProgram {
+public:
+    // start: run the start-up (App.Event_Open makes Window1); otherwise only the objects exist.
+    explicit TestProgram(bool start = true);
+    ~TestProgram();
+
+    QString configFolder() const { return home.path() + "/config"; }
+    QString plistPath() const { return configFolder() + "/com.Morlane.Vantrel.plist"; }
+    // Writes a preference file before the program reads it.
+    void writePlist(const QByteArray &xml) const;
+
+    // The capture command puts this picture (or text, or nothing) on the clipboard.
+    void captureGives(const QImage &picture);
+    void captureGivesText(const QString &text);
+    void captureGivesBytes(const QByteArray &bytes, const QString &mime);
+    void captureGivesNothing();
+    // One press of the hot key, delivered as the platform would.
+    void pressHotKey();
+
+    QTemporaryDir home;
+    std::unique_ptr<fw::Services> services;
+    std::unique_ptr<Preferences> prefs;
+    std::unique_ptr<RecordingApp> app;
+    FakeRunner *runner = nullptr;
+    FakeHotKeys *keys = nullptr;
+};
+
+// A picture in which every pixel differs from its neighbours, so offsets and scaling show.
+QImage patternImage(int width, int height);
+// Bytes of a PNG file that claims a size and carries no real pixel data.
+QByteArray pngHeaderClaiming(quint32 width, quint32 height);
