@@ -5,7 +5,12 @@ set -eu
 cd "$(dirname "$0")/.."
 sh scripts/deps.sh
 build=build sanitize=OFF
-if [ "${VANTREL_SANITIZE:-0}" = 1 ]; then build=build-asan sanitize=ON; fi
+if [ "${VANTREL_SANITIZE:-0}" = 1 ]; then
+  build=build-asan sanitize=ON
+  # Qt and fontconfig keep caches to the end of the process: leak reports would be noise.
+  export ASAN_OPTIONS="${ASAN_OPTIONS:-detect_leaks=0}"
+  export UBSAN_OPTIONS="${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}"
+fi
 cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVANTREL_SANITIZE=$sanitize >/dev/null
 cmake --build "$build" -j2
 cd "$build"

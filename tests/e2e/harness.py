@@ -216,3 +216,77 @@ def load_image_geometry(pic_w, pic_h, screen_w, screen_h):
     left = int(max((screen_w - width) / 2.0, 0))
     top = int(max((screen_h - height) / 2.0, 100.0))
     return left, top, width, height
+
+
+class A11y:
+    """The program's widgets through AT-SPI. Needs the test and the program on one session bus
+    (run the test inside dbus-run-session) and Debian's python3 with pyatspi."""
+
+    def __init__(self, session):
+        import pyatspi  # noqa: F401  (Debian's python3-pyatspi)
+        self.pyatspi = pyatspi
+        session.env.update(DBUS_SESSION_BUS_ADDRESS=os.environ.get("DBUS_SESSION_BUS_ADDRESS", ""),
+                           QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", GSETTINGS_BACKEND="memory")
+        pyatspi.Registry.getDesktop(0)  # starts the registry before the program looks for it
+
+    def app(self):
+        for a in self.pyatspi.Registry.getDesktop(0):
+            if a is not None and a.name == "Vantrel":
+                try:
+                    a.clearCache()  # a tree read before the program finished building it
+                except Exception:
+                    pass
+                return a
+        return None
+
+    def find(self, role, name, root=None):
+        root = root or self.app()
+        if root is None:
+            return None
+        stack = [root]
+        while stack:
+            n = stack.pop()
+            try:
+                if n.getRoleName() == role and n.name == name:
+                    return n
+                count = n.childCount
+            except Exception:  # a node that went away while walking
+                continue
+            for i in range(count):
+                try:
+                    c = n.getChildAtIndex(i)
+                except Exception:
+                    continue
+                if c is not None:
+                    stack.append(c)
+        return None
+
+    def wait_find(self, role, name, timeout=3.0, visible=True):
+        def look():
+            n = self.find(role, name)
+            return n if n is not None and (not visible or self.extents(n)[2] > 0) else None
+        return wait_for(look, timeout)
+
+    def extents(self, node):
+        e = node.queryComponent().getExtents(self.pyatspi.DESKTOP_COORDS)
+        return e.x, e.y, e.width, e.height
+
+    def centre(self, node):
+        x, y, w, h = self.extents(node)
+        return x + w // 2, y + h // 2
+
+    def text(self, node):
+        t = node.queryText()
+        return t.getText(0, t.characterCount)
+
+    def value(self, node):
+        return node.queryValue().currentValue
+
+
+def rgb_pixels(session, path):
+    """The picture's pixels as rows of (r, g, b)."""
+    size = session.run("identify", "-format", "%w %h", path).stdout.split()
+    w, h = int(size[0]), int(size[1])
+    raw = subprocess.run(["convert", path, "-depth", "8", "rgb:-"], env=session.env,
+                         capture_output=True, check=True).stdout
+    return [[tuple(raw[(y * w + x) * 3:(y * w + x) * 3 + 3]) for x in range(w)] for y in range(h)]
