@@ -3,6 +3,7 @@
 #include "app/FileTypes.h"
 #include "platform/Failure.h"
 #include "editor/Window1.h"
+#include "prefs/HideDockIcon.h"
 #include "prefs/Preferences.h"
 #include "prefs/prefwin.h"
 
@@ -28,9 +29,16 @@ void App::_Startup()
     _InitFileTypes();
     _NewAppInstance();
     _ApplicationAddMenuHandlers();
+    fw::guarded([this] { showTrayIconUnlessHidden(); });
     // Event_Open comes ahead of the default window, so the default view finds Window1 made.
     start();
     fw::guarded([this] { _MakeDefaultView(); });
+}
+
+void App::showTrayIconUnlessHidden()
+{
+    if (isDockIconHidden()) return;
+    m_tray = std::make_unique<fw::TrayIcon>(*this, services().bundle.resources() + "/Vantrel.svg");
 }
 
 void App::_NewAppInstance()

@@ -3,6 +3,7 @@
 // two menu commands that work with every window hidden.
 
 #include "platform/Application.h"
+#include "platform/TrayIcon.h"
 
 #include <QString>
 
@@ -31,7 +32,12 @@ public:
     // The splash's place in the start-up order; the splash fills it.
     std::function<void()> showSplash;
 
+    // The tray icon, made at launch unless the bundle says the icon is hidden.
+    fw::TrayIcon *trayIcon() const { return m_tray.get(); }
+
 private:
+    void showTrayIconUnlessHidden();
+    std::unique_ptr<fw::TrayIcon> m_tray;
     void _NewAppInstance();
     void _ApplicationAddMenuHandlers();
     void _MakeDefaultView();

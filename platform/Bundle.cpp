@@ -3,6 +3,7 @@
 #include "platform/PlistStore.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <cstdlib>
 #include <plist/plist.h>
 
@@ -16,17 +17,26 @@ Bundle::Bundle(const QString &executableDir)
     m_root = d.absolutePath();
 }
 
-QString Bundle::shortVersion() const
+static QString infoString(const QString &infoPlist, const char *key)
 {
-    auto loaded = plistfile::load(infoPlist());
+    auto loaded = plistfile::load(infoPlist);
     if (loaded.state != plistfile::State::Ok) return {};
-    plist_t node = plist_dict_get_item(loaded.root.get(), "CFBundleShortVersionString");
+    plist_t node = plist_dict_get_item(loaded.root.get(), key);
     if (!node || plist_get_node_type(node) != PLIST_STRING) return {};
     char *s = nullptr;
     plist_get_string_val(node, &s);
     QString out = QString::fromUtf8(s ? s : "");
     std::free(s);
     return out;
+}
+
+QString Bundle::shortVersion() const { return infoString(infoPlist(), "CFBundleShortVersionString"); }
+
+QString Bundle::executableOf(const QString &bundlePath)
+{
+    const QString exe = infoString(bundlePath + "/Contents/Info.plist", "CFBundleExecutable");
+    if (!exe.isEmpty() && !exe.contains('/')) return bundlePath + "/Contents/MacOS/" + exe;
+    return bundlePath + "/Contents/MacOS/" + QFileInfo(bundlePath).completeBaseName();
 }
 
 } // namespace fw

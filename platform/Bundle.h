@@ -19,6 +19,8 @@ public:
 
     // CFBundleShortVersionString of the bundle, empty when it can't be read.
     QString shortVersion() const;
+    // The program inside a bundle: CFBundleExecutable, or the bundle's name without ".app".
+    static QString executableOf(const QString &bundlePath);
 
 private:
     QString m_root;

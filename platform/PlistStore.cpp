@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <plist/plist.h>
 #include <unistd.h>
 
@@ -55,7 +56,7 @@ static bool writeAll(int fd, const char *data, size_t len)
     return true;
 }
 
-bool writeAtomically(const QString &path, void *node)
+bool writeAtomically(const QString &path, void *node, int mode)
 {
     const QFileInfo info(path);
     QDir().mkpath(info.absolutePath());
@@ -70,6 +71,7 @@ bool writeAtomically(const QString &path, void *node)
         plist_to_xml_free(xml);
         return false;
     }
+    if (mode >= 0) ::fchmod(fd, mode_t(mode));
     bool ok = writeAll(fd, xml, len) && ::fsync(fd) == 0;
     plist_to_xml_free(xml);
     ok = (::close(fd) == 0) && ok;

@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileDialog>
 #include <QStandardPaths>
 
 namespace fw {
@@ -13,7 +14,10 @@ Services::Services(Bundle b, QString configFolder)
     : bundle(std::move(b)), preferenceDomains(std::move(configFolder)),
       cursors(bundle.resources() + "/Cursors"), hotKeys(std::make_unique<NullHotKeyService>()),
       commands(std::make_unique<ProcessRunner>(bundle.executableDir())),
-      osVersionString(&OSVersionString), desktopFolder(&userDesktopFolder)
+      osVersionString(&OSVersionString), desktopFolder(&userDesktopFolder),
+      selectFolder([](QWidget *parent, const QString &start) {
+          return QFileDialog::getExistingDirectory(parent, QString(), start);
+      })
 {
 }
 

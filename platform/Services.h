@@ -9,6 +9,8 @@
 #include "platform/Shell.h"
 
 #include <functional>
+
+class QWidget;
 #include <memory>
 
 namespace fw {
@@ -24,6 +26,8 @@ struct Services {
     std::unique_ptr<CommandRunner> commands;
     std::function<QString()> osVersionString;
     std::function<QString()> desktopFolder;
+    // The system's folder chooser, modal; empty on cancel.
+    std::function<QString(QWidget *parent, const QString &start)> selectFolder;
 
     // The real services of this machine: the bundle around the running program,
     // $XDG_CONFIG_HOME for preferences, X11 hot keys where there is an X server.

@@ -4,7 +4,10 @@
 #include "editor/Window1.h"
 #include "platform/Canvas.h"
 #include "platform/Failure.h"
+#include "prefs/HideDockIcon.h"
+#include "prefs/LaunchMeAtLogin.h"
 #include "prefs/Preferences.h"
+#include "platform/Services.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -66,6 +69,7 @@ prefwin::prefwin(fw::Services &services, fw::WindowRegistry &registry)
     on(quartz, &QCheckBox::toggled, &prefwin::quartz_Action);
     on(PopupMenu1, &QComboBox::currentIndexChanged, &prefwin::PopupMenu1_Change);
     on(CheckBox2, &QCheckBox::toggled, &prefwin::CheckBox2_Action);
+    on(PushButton3, &QPushButton::clicked, &prefwin::PushButton3_Action);
 }
 
 prefwin::~prefwin() = default;
@@ -93,11 +97,14 @@ void prefwin::PushButton1_Action() { Hide(); }
 void prefwin::CheckBox1_Open()
 {
     Window1::instance().holdlaunchsetting = true;
-    // The login items come with the launch-at-login service.
+    setChecked(CheckBox1, GetLaunchAtLogin());
     Window1::instance().holdlaunchsetting = false;
 }
 
-void prefwin::CheckBox1_Action() {}
+void prefwin::CheckBox1_Action()
+{
+    if (!Window1::instance().holdlaunchsetting) SetLaunchAtLogin(CheckBox1->isChecked());
+}
 
 void prefwin::quartz_Open()
 {
@@ -154,8 +161,19 @@ void prefwin::savefolder_Open()
     savefolder->setText(folder->dirName());
 }
 
-void prefwin::CheckBox2_Open() {}
-void prefwin::CheckBox2_Action() {}
+void prefwin::PushButton3_Action()
+{
+    Window1 &editor = Window1::instance();
+    const QString start = editor.DefaultFolder ? editor.DefaultFolder->absolutePath() : QString();
+    const QString chosen = services().selectFolder(this, start);
+    if (chosen.isEmpty()) return;
+    editor.DefaultFolder = QDir(chosen);
+    savefolder->setText(editor.DefaultFolder->dirName());
+}
+
+void prefwin::CheckBox2_Open() { setChecked(CheckBox2, isDockIconHidden()); }
+
+void prefwin::CheckBox2_Action() { setDockIconHidden(CheckBox2->isChecked()); }
 
 void prefwin::setPopupMenu1ListIndex(int i)
 {

@@ -45,6 +45,7 @@ public:
     void PopupMenu1_Open();
     void PopupMenu1_Change();
     void savefolder_Open();
+    void PushButton3_Action();
     void CheckBox2_Open();
     void CheckBox2_Action();
 

@@ -91,8 +91,7 @@ class CaptureTest(unittest.TestCase):
         s.run("convert", "-size", "1400x1100", "plasma:fractal", big)
         s.capture_puts(big)
         s.start()
-        self.press_hot_key()
-        editors = wait_for(s.editor_windows, timeout=2.0)
+        editors = s.capture_until_editor()
         self.assertTrue(editors)
         left, top, width, height = load_image_geometry(1400, 1100, 1280, 1024)
         self.assertEqual((width, height, left, top), (1280, 924, 0, 100))
@@ -143,8 +142,7 @@ class CaptureTest(unittest.TestCase):
         self.assertTrue(s.alive(), "still resident after the message")
 
         s.capture_puts(self.known)
-        self.press_hot_key()
-        self.assertTrue(wait_for(s.editor_windows, timeout=2.0), "the next capture works")
+        self.assertTrue(s.capture_until_editor(), "the next capture works")
 
     def test_an_unreadable_preference_file_is_never_lost(self):
         s = self.s
@@ -154,8 +152,7 @@ class CaptureTest(unittest.TestCase):
             f.write(garbage)
         s.capture_puts(self.known)
         s.start()
-        self.press_hot_key()
-        editors = wait_for(s.editor_windows, timeout=2.0)
+        editors = s.capture_until_editor()
         self.assertTrue(editors)
         x, y, w, h = s.geometry(editors[0])
         s.pointer(x + w // 2, y + 40)

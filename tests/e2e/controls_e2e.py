@@ -28,8 +28,7 @@ class ControlsTest(unittest.TestCase):
         s.run("convert", self.half, "-sample", "200%", "-strip", "PNG24:" + self.known)
         s.capture_puts(self.known)
         s.start()
-        s.key("ctrl+shift+2")
-        self.assertTrue(wait_for(s.editor_windows, timeout=2.0))
+        self.assertTrue(s.capture_until_editor())
         time.sleep(0.3)
 
     def tearDown(self):

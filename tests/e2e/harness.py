@@ -57,6 +57,8 @@ class Session:
                         XDG_DATA_HOME=os.path.join(self.home, ".local/share"),
                         XDG_CACHE_HOME=os.path.join(self.home, ".cache"),
                         XDG_RUNTIME_DIR=runtime,
+                        # No session bus unless a test brings one: never autolaunch a daemon.
+                        DBUS_SESSION_BUS_ADDRESS="unix:path=" + os.path.join(runtime, "no-bus"),
                         PATH=self.bin + ":/usr/local/bin:/usr/bin:/bin")
         self.proc = None
         self.log = os.path.join(self.tmp, "vantrel.log")
@@ -88,8 +90,17 @@ class Session:
         self.logf = open(self.log, "w")
         self.proc = subprocess.Popen([exe], env=self.env, stdout=self.logf,
                                      stderr=subprocess.STDOUT, stdin=DEVNULL)
-        time.sleep(0.5)
+        time.sleep(1.0)  # start-up, until the hot key is claimed
         return self.proc
+
+    def capture_until_editor(self, tries=3, wait=1.5):
+        """Presses the hot key until the editor is mapped (a loaded machine may start slowly)."""
+        for _ in range(tries):
+            self.key("ctrl+shift+2")
+            editors = wait_for(self.editor_windows, timeout=wait)
+            if editors:
+                return editors
+        return []
 
     def alive(self):
         return self.proc is not None and self.proc.poll() is None
