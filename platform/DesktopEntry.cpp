@@ -67,6 +67,7 @@ QStringList parseExec(const QString &fileValue)
         if (quoted) {
             if (c == '\\' && i + 1 < s.size()) cur += s[++i];
             else if (c == '"') quoted = false;
+            else if (c == '%' && i + 1 < s.size() && s[i + 1] == '%') cur += '%', ++i;
             else cur += c;
             continue;
         }

@@ -16,6 +16,14 @@ TestProgram::TestProgram(bool start)
     qputenv("XDG_CONFIG_HOME", configFolder().toUtf8());
     qputenv("XDG_DESKTOP_DIR", (home.path() + "/Desktop").toUtf8());
     QDir().mkpath(home.path() + "/Desktop");
+    // A bundle around the (imagined) running program, with its property list.
+    QDir().mkpath(home.path() + "/Vantrel.app/Contents/MacOS");
+    QFile info(home.path() + "/Vantrel.app/Contents/Info.plist");
+    info.open(QIODevice::WriteOnly);
+    info.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
+               "<key>CFBundleName</key><string>Vantrel</string>"
+               "<key>CFBundleExecutable</key><string>Vantrel</string></dict></plist>\n");
+    info.close();
     services = std::make_unique<fw::Services>(fw::Bundle(home.path() + "/Vantrel.app/Contents/MacOS"),
                                               configFolder());
     auto r = std::make_unique<FakeRunner>();

@@ -57,6 +57,8 @@ public:
 
     QString configFolder() const { return home.path() + "/config"; }
     QString plistPath() const { return configFolder() + "/com.Morlane.Vantrel.plist"; }
+    QString bundlePath() const { return home.path() + "/Vantrel.app"; }
+    QString autostartFolder() const { return configFolder() + "/autostart"; }
     // Writes a preference file before the program reads it.
     void writePlist(const QByteArray &xml) const;
 
