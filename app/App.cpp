@@ -77,7 +77,10 @@ bool App::_FileQuit_Action()
 
 bool App::_FilePreferences_Action()
 {
-    prefwin::instance().Show();
+    prefwin &p = prefwin::instance();
+    p.Show();
+    p.raise();
+    p.activateWindow();
     return true;
 }
 

@@ -68,6 +68,8 @@ QMenuBar *MenuBar1::buildBar(fw::Application &app, QWidget *parent)
         QAction *a = menu->addAction(it.text);
         a->setObjectName(it.name);
         if (!it.shortcut.isEmpty()) a->setShortcut(QKeySequence(toQtShortcut(it.shortcut)));
+        // One menu bar serves every window of the program: Quit works from any of them.
+        if (it.name == "FileQuit") a->setShortcutContext(Qt::ApplicationShortcut);
         const QString name = it.name;
         QObject::connect(a, &QAction::triggered, &app, [&app, name] {
             if (!app.dispatchMenuCommand(name)) textFieldCommand(name);

@@ -7,6 +7,7 @@
 #include "prefs/HideDockIcon.h"
 #include "prefs/LaunchMeAtLogin.h"
 #include "prefs/Preferences.h"
+#include "platform/Screen.h"
 #include "platform/Services.h"
 
 #include <QCheckBox>
@@ -23,6 +24,9 @@ prefwin::prefwin(fw::Services &services, fw::WindowRegistry &registry)
     setWindowRole(QStringLiteral("preferences"));
     resize(359, 219);
     setMinimumSize(64, 64);
+    // Centred on the main screen.
+    const fw::ScreenInfo screen = fw::Screen0();
+    move((screen.Width - 359) / 2, (screen.Height - 219) / 2);
 
     auto place = [](QWidget *w, int x, int y, int width, int height) {
         w->setGeometry(x, y, width, height);
