@@ -3,6 +3,7 @@
 #include "app/App.h"
 #include "app/MenuBar1.h"
 #include "capture/keytrigger.h"
+#include "platform/GraphicsExporter.h"
 #include "platform/Canvas.h"
 #include "platform/Failure.h"
 #include "platform/HotKeyService.h"
@@ -18,6 +19,7 @@
 #include <QMenuBar>
 #include <QScrollBar>
 #include <QSlider>
+#include <QToolBar>
 #include <QToolButton>
 
 using fw::LockBottom;
@@ -46,6 +48,7 @@ Window1 &Window1::instance() { return App::instance().windows().get<Window1>(); 
 void Window1::buildControls()
 {
     menuBar = MenuBar1::buildBar(App::instance(), this);
+    buildToolbar();
     m_content = new fw::Canvas(this);
     m_content->setObjectName(QStringLiteral("content"));
     m_content->onMouseDown = [this](int x, int y) { return Event_MouseDown(x, y); };
@@ -139,14 +142,28 @@ void Window1::connectControls()
     Canvas1->onMouseMove = [this](int x, int y) { Canvas1_MouseMove(x, y); };
 }
 
-void Window1::openControls() { BevelButton1_Open(); }
+void Window1::openControls()
+{
+    SaveTB_Open();
+    SaveasTB_Open();
+    MailTB_Open();
+    ToolbarItem1_Open();
+    ToolbarItem3_Open();
+    ToolbarItem2_Open();
+    BevelButton1_Open();
+}
 
-int Window1::barsHeight() const { return menuBar ? menuBar->sizeHint().height() : 0; }
+int Window1::barsHeight() const
+{
+    return (menuBar ? menuBar->sizeHint().height() : 0) + (toolBar ? toolBar->sizeHint().height() : 0);
+}
 
 void Window1::layoutFor(const QSize &size)
 {
     const int bars = barsHeight();
-    if (menuBar) menuBar->setGeometry(0, 0, size.width(), bars);
+    const int menuHeight = menuBar ? menuBar->sizeHint().height() : 0;
+    if (menuBar) menuBar->setGeometry(0, 0, size.width(), menuHeight);
+    if (toolBar) toolBar->setGeometry(0, menuHeight, size.width(), bars - menuHeight);
     const QSize content(size.width(), size.height() - bars);
     m_content->setGeometry(0, bars, content.width(), content.height());
     m_layout.apply(content);
@@ -155,7 +172,7 @@ void Window1::layoutFor(const QSize &size)
 void Window1::Event_Open()
 {
     App::instance().process = QStringLiteral("OpenEditor");
-    // The exporter comes with the output commands.
+    exporter = std::make_unique<fw::GraphicsExporter>(services().settingsDialog);
     Preferences &prefs = Preferences::module();
     if (!prefs.MyPref) prefs.MyPref = prefs.newStore();
 

@@ -6,6 +6,7 @@
 //   Window1Pipeline.cpp  getscaledimage, getoutputimage
 //   Window1Preview.cpp   the canvas, scrolling and panning
 //   Window1Controls.cpp  slider, scale field, presets, caption
+//   output/…             the toolbar and the output commands
 
 #include "platform/ControlLayout.h"
 #include "platform/Window.h"
@@ -15,6 +16,7 @@
 #include <memory>
 #include <optional>
 
+class QAction;
 class QLabel;
 class QLineEdit;
 class QMenuBar;
@@ -25,6 +27,7 @@ class QToolButton;
 class keytrigger;
 namespace fw {
 class Canvas;
+class GraphicsExporter;
 }
 
 class Window1 : public fw::Window {
@@ -44,6 +47,7 @@ public:
     bool holdlaunchsetting = false;
     QImage mypic;                // the capture, opaque; null is nil
     QByteArray settings;         // the exporter's settings, opaque
+    std::unique_ptr<fw::GraphicsExporter> exporter;
     int currentscale = 0;
     std::unique_ptr<keytrigger> mytrigger;
     bool hotkey = false;         // whether the key was claimed (its hold lives in the platform)
@@ -62,6 +66,13 @@ public:
     QLabel *StaticText3 = nullptr;
     QMenuBar *menuBar = nullptr;
     QToolBar *toolBar = nullptr;
+    QAction *SaveTB = nullptr;
+    QAction *SaveasTB = nullptr;
+    QAction *MailTB = nullptr;
+    QAction *ToolbarItem1 = nullptr;
+    QWidget *StandardToolbarItem1 = nullptr;
+    QAction *ToolbarItem3 = nullptr;
+    QAction *ToolbarItem2 = nullptr;
 
     // Methods.
     void loadimage(const QString &scale);
@@ -100,6 +111,20 @@ public:
     void BevelButton1_Action(int menuValue);
     void captionText_TextChange();
 
+    // Toolbar items and the output commands.
+    void SaveTB_Open();
+    void SaveTB_Action();
+    void SaveasTB_Open();
+    void SaveasTB_Action();
+    void MailTB_Open();
+    void MailTB_Action();
+    void ToolbarItem1_Open();
+    void ToolbarItem1_Action();
+    void ToolbarItem3_Open();
+    void ToolbarItem3_Action();
+    void ToolbarItem2_Open();
+    void ToolbarItem2_Action();
+
     // Writes that run the controls' handlers nested, as the framework's property writes do.
     void setSliderValue(int v);
     void setScaleFieldText(const QString &text);
@@ -116,6 +141,9 @@ protected:
     void layoutFor(const QSize &size) override;
 
 private:
+    void buildToolbar();
+    // Before an export: settings asked for on first use, else given to the exporter.
+    void settingsStep(bool storeRequested);
     void buildControls();
     void connectControls();
     void setCanvasCursor(const QCursor *cursor);

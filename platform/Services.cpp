@@ -1,11 +1,14 @@
 #include "platform/Services.h"
 
+#include "output/ExportSettingsDialog.h"
 #include "platform/SystemInformation.h"
+#include "platform/TemporaryFolder.h"
 #include "platform/X11HotKeyService.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileDialog>
+#include <QGuiApplication>
 #include <QStandardPaths>
 
 namespace fw {
@@ -17,7 +20,14 @@ Services::Services(Bundle b, QString configFolder)
       osVersionString(&OSVersionString), desktopFolder(&userDesktopFolder),
       selectFolder([](QWidget *parent, const QString &start) {
           return QFileDialog::getExistingDirectory(parent, QString(), start);
-      })
+      }),
+      saveAsDialog([](QWidget *parent, const QString &folder, const QString &suggested) {
+          const QString start = folder.isEmpty() ? suggested : folder + "/" + suggested;
+          return QFileDialog::getSaveFileName(parent, QString(), start);
+      }),
+      settingsDialog([](ExportFormat f, ExporterSettings &s) { return output::runExportSettingsDialog(f, s); }),
+      shiftKeyDown([] { return QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ShiftModifier); }),
+      temporaryFolder(&privateTemporaryFolder)
 {
 }
 

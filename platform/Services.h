@@ -5,6 +5,7 @@
 #include "platform/Bundle.h"
 #include "platform/CFPreferences.h"
 #include "platform/Cursors.h"
+#include "platform/GraphicsExporter.h"
 #include "platform/HotKeyService.h"
 #include "platform/Shell.h"
 
@@ -28,6 +29,14 @@ struct Services {
     std::function<QString()> desktopFolder;
     // The system's folder chooser, modal; empty on cancel.
     std::function<QString(QWidget *parent, const QString &start)> selectFolder;
+    // The save dialog, modal: a path, or empty on cancel.
+    std::function<QString(QWidget *parent, const QString &folder, const QString &suggested)> saveAsDialog;
+    // The exporter's settings dialog for a format.
+    GraphicsExporter::SettingsDialog settingsDialog;
+    // Whether Shift is down at the moment of asking.
+    std::function<bool()> shiftKeyDown;
+    // The per-user private folder for temporary files; empty (nil) when it can't be had safely.
+    std::function<QString()> temporaryFolder;
 
     // The real services of this machine: the bundle around the running program,
     // $XDG_CONFIG_HOME for preferences, X11 hot keys where there is an X server.

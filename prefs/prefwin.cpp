@@ -3,6 +3,7 @@
 #include "app/App.h"
 #include "editor/Window1.h"
 #include "platform/Canvas.h"
+#include "platform/GraphicsExporter.h"
 #include "platform/Failure.h"
 #include "prefs/HideDockIcon.h"
 #include "prefs/LaunchMeAtLogin.h"
@@ -47,6 +48,7 @@ prefwin::prefwin(fw::Services &services, fw::WindowRegistry &registry)
     place(StaticText1, 20, 77, 117, 20);
     PopupMenu1 = new QComboBox(this);
     PopupMenu1->setObjectName(QStringLiteral("PopupMenu1"));
+    PopupMenu1->addItems({"JPEG", "Tiff", "Pict", "Photoshop", "PNG", "Bitmap", "Targa"});
     place(PopupMenu1, 135, 111, 112, 20);
     StaticText2 = new QLabel(QStringLiteral("Image Format:"), this);
     StaticText2->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -74,6 +76,7 @@ prefwin::prefwin(fw::Services &services, fw::WindowRegistry &registry)
     on(PopupMenu1, &QComboBox::currentIndexChanged, &prefwin::PopupMenu1_Change);
     on(CheckBox2, &QCheckBox::toggled, &prefwin::CheckBox2_Action);
     on(PushButton3, &QPushButton::clicked, &prefwin::PushButton3_Action);
+    on(PushButton2, &QPushButton::clicked, &prefwin::PushButton2_Action);
 }
 
 prefwin::~prefwin() = default;
@@ -88,6 +91,9 @@ void prefwin::openControls()
     PopupMenu1_Open();
     savefolder_Open();
     CheckBox2_Open();
+    // The format list starts on its first row; that selection opens the exporter once the
+    // window is complete, so the first output after a first start has a format.
+    PopupMenu1_Change();
 }
 
 void prefwin::Event_Close()
@@ -151,12 +157,29 @@ void prefwin::emaildefault_Close()
 void prefwin::PopupMenu1_Open()
 {
     App::instance().process = QStringLiteral("LoadTypeMenu");
-    // Adding rows is not a change of the selection.
-    const QSignalBlocker quiet(PopupMenu1);
-    PopupMenu1->addItems({"JPEG", "Tiff", "Pict", "Photoshop", "PNG", "Bitmap", "Targa"});
+    const QString codes = QStringLiteral("JPEG,TIFF,PICT,8BPS,PNGf,BMPf,TPIC");
+    for (int i = 0; i <= int(codes.split(',').size()) - 1; ++i)
+        PopupMenu1->setItemData(i, codes.section(',', i, i));
 }
 
-void prefwin::PopupMenu1_Change() {}
+void prefwin::PopupMenu1_Change()
+{
+    fw::GraphicsExporter *exporter = fw::nilCheck(Window1::instance().exporter.get());
+    exporter->OpenExporter(PopupMenu1->itemData(PopupMenu1->currentIndex()).toString());
+}
+
+void prefwin::PushButton2_Action()
+{
+    Window1 &editor = Window1::instance();
+    if (!editor.exporter) return;
+    editor.exporter->setSettings(editor.settings);
+    if (!editor.exporter->RequestSettings()) return;
+    editor.settings = editor.exporter->Settings();
+    Preferences &prefs = Preferences::module();
+    fw::CFPreferences &store = *fw::nilCheck(prefs.MyPref.get());
+    store.SetAppValue(PrefKeys::Settings.str(), fw::NewCFBinaryData(editor.settings), prefs.appname);
+    store.AppSynchronize(prefs.appname);
+}
 
 void prefwin::savefolder_Open()
 {

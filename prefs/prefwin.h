@@ -44,6 +44,7 @@ public:
     void emaildefault_Close();
     void PopupMenu1_Open();
     void PopupMenu1_Change();
+    void PushButton2_Action();
     void savefolder_Open();
     void PushButton3_Action();
     void CheckBox2_Open();

@@ -24,6 +24,13 @@ TestProgram::TestProgram(bool start)
                "<key>CFBundleName</key><string>Vantrel</string>"
                "<key>CFBundleExecutable</key><string>Vantrel</string></dict></plist>\n");
     info.close();
+    // The toolbar's pictures and the stored scripts, as the build made them.
+    for (const QString &sub : {QStringLiteral("Toolbar"), QStringLiteral("Scripts")}) {
+        const QDir from(QStringLiteral(VANTREL_BUILT_RESOURCES) + "/" + sub);
+        QDir().mkpath(bundlePath() + "/Contents/Resources/" + sub);
+        for (const QString &f : from.entryList(QDir::Files))
+            QFile::copy(from.filePath(f), bundlePath() + "/Contents/Resources/" + sub + "/" + f);
+    }
     services = std::make_unique<fw::Services>(fw::Bundle(home.path() + "/Vantrel.app/Contents/MacOS"),
                                               configFolder());
     auto r = std::make_unique<FakeRunner>();
@@ -33,6 +40,19 @@ TestProgram::TestProgram(bool start)
     keys = k.get();
     services->hotKeys = std::move(k);
     services->osVersionString = [] { return QStringLiteral("Mac OS X 10.5.8"); };
+    services->settingsDialog = [this](fw::ExportFormat f, fw::ExporterSettings &s) {
+        dialogsShown << f;
+        if (editSettings) editSettings(s);
+        return confirmSettings;
+    };
+    services->shiftKeyDown = [this] { return shiftDown; };
+    services->saveAsDialog = [this](QWidget *, const QString &folder, const QString &suggested) {
+        saveAsShown << (folder + "|" + suggested);
+        return saveAsAnswer;
+    };
+    QDir().mkpath(home.path() + "/tmp");
+    QFile::setPermissions(home.path() + "/tmp", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    services->temporaryFolder = [this] { return home.path() + "/tmp"; };
     prefs = std::make_unique<Preferences>(services->preferenceDomains);
     app = std::make_unique<RecordingApp>(*services);
     prefs->msgBox = [this](const QString &t) { app->MsgBox(t); };

@@ -76,6 +76,14 @@ public:
     std::unique_ptr<RecordingApp> app;
     FakeRunner *runner = nullptr;
     FakeHotKeys *keys = nullptr;
+
+    // The fakes of the dialogs and the keyboard.
+    QList<fw::ExportFormat> dialogsShown;
+    std::function<void(fw::ExporterSettings &)> editSettings;
+    bool confirmSettings = true;
+    bool shiftDown = false;
+    QStringList saveAsShown;
+    QString saveAsAnswer;
 };
 
 // A picture in which every pixel differs from its neighbours, so offsets and scaling show.

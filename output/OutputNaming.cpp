@@ -1,0 +1,45 @@
+#include "output/OutputNaming.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QUrl>
+
+namespace output {
+
+// Lets timers and paints run during a long search, but no user input.
+static void yieldOnce() { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); }
+
+QString quickSaveName(const QString &extension, const Exists &exists)
+{
+    QString name = "Capture." + extension;
+    for (int counter = 1; exists(name); ++counter) {
+        name = "Capture" + QString::number(counter) + "." + extension;
+        yieldOnce();
+    }
+    return name;
+}
+
+QString mailFileName(const Exists &exists)
+{
+    QString name = "vtp1";
+    // The first pass builds vtp1 again; 2 comes on the second pass.
+    for (int counter = 1; exists(name); ++counter) {
+        name = "vtp" + QString::number(counter);
+        yieldOnce();
+    }
+    return name;
+}
+
+QString saveAsSuggestion(const QString &extension) { return "capture." + extension.toLower(); }
+
+QString unixPath(const QString &path) { return QDir::cleanPath(QDir(path).absolutePath()); }
+
+QString absolutePath(const QString &path)
+{
+    QByteArray url = QUrl::fromLocalFile(unixPath(path)).toEncoded();
+    // Quotes and commas are legal in a URL, but mail programs' command lines split on them.
+    url.replace("'", "%27").replace(",", "%2C").replace("\"", "%22");
+    return QString::fromLatin1(url);
+}
+
+} // namespace output

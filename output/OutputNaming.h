@@ -1,0 +1,22 @@
+#pragma once
+// The file names the output commands invent.
+
+#include <QString>
+#include <functional>
+
+namespace output {
+
+using Exists = std::function<bool(const QString &name)>;
+
+// Save: "Capture.<ext>", then Capture1, Capture2 … — the first free name, gaps filled.
+QString quickSaveName(const QString &extension, const Exists &exists);
+// E-mail: "vtp1" (tried twice), then vtp2, vtp3 … — no extension.
+QString mailFileName(const Exists &exists);
+// The suggestion of Save as.
+QString saveAsSuggestion(const QString &extension);
+
+// The two path forms the mail scripts receive.
+QString unixPath(const QString &path);     // a plain absolute path
+QString absolutePath(const QString &path); // a file:// URL, percent-encoded
+
+} // namespace output

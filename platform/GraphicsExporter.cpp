@@ -1,0 +1,121 @@
+#include "platform/GraphicsExporter.h"
+
+#include "platform/MagickWriter.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QFileInfo>
+#include <QImageWriter>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace fw {
+
+GraphicsExporter::GraphicsExporter(SettingsDialog dialog) : m_dialog(std::move(dialog)) {}
+
+void GraphicsExporter::OpenExporter(const QString &type) { m_format = formatForCode(type); }
+
+QByteArray GraphicsExporter::Settings() const { return m_settings.toText(m_format); }
+
+void GraphicsExporter::setSettings(const QByteArray &settings)
+{
+    m_settings = ExporterSettings::fromText(settings, m_format);
+}
+
+bool GraphicsExporter::RequestSettings()
+{
+    if (m_format == ExportFormat::None || !m_dialog) return false;
+    ExporterSettings edited = m_settings;
+    if (!m_dialog(m_format, edited)) return false;
+    m_settings = edited;
+    return true;
+}
+
+QString GraphicsExporter::GetDefaultFileNameExtension() const { return extensionFor(m_format); }
+
+GraphicsExporter::Writer GraphicsExporter::writerFor(const QImage &picture) const
+{
+    const bool magickFits = magick::fitsLimits(picture.width(), picture.height());
+    switch (m_format) {
+    case ExportFormat::JPEG:
+        return Writer::Qt; // libjpeg-turbo: about twice as fast at the same quality
+    case ExportFormat::PNG:
+        // Qt writes no interlaced PNG.
+        return m_settings.pngInterlaced ? (magickFits ? Writer::Magick : Writer::None) : Writer::Qt;
+    case ExportFormat::BMP:
+        // Qt writes 24-bit BMP only.
+        return m_settings.bmpDepth == 24 ? Writer::Qt : (magickFits ? Writer::Magick : Writer::None);
+    case ExportFormat::TIFF:
+    case ExportFormat::PICT:
+    case ExportFormat::PSD:
+    case ExportFormat::Targa:
+        return magickFits ? Writer::Magick : Writer::None;
+    case ExportFormat::None:
+        break;
+    }
+    return Writer::None;
+}
+
+QByteArray GraphicsExporter::encode(const QImage &picture) const
+{
+    if (picture.isNull()) return {};
+    switch (writerFor(picture)) {
+    case Writer::None:
+        return {};
+    case Writer::Magick:
+        return magick::encode(picture, m_format, m_settings);
+    case Writer::Qt:
+        break;
+    }
+    QByteArray out;
+    QBuffer buf(&out);
+    buf.open(QIODevice::WriteOnly);
+    const QImage rgb = picture.convertToFormat(QImage::Format_RGB32);
+    QImageWriter w(&buf, m_format == ExportFormat::JPEG ? "jpeg" : m_format == ExportFormat::PNG ? "png" : "bmp");
+    if (m_format == ExportFormat::JPEG) {
+        w.setQuality(m_settings.jpegQuality);
+        w.setProgressiveScanWrite(m_settings.jpegProgressive);
+        w.setOptimizedWrite(true);
+    } else if (m_format == ExportFormat::PNG) {
+        w.setCompression(m_settings.pngCompression);
+    }
+    return w.write(rgb) ? out : QByteArray();
+}
+
+int GraphicsExporter::Export()
+{
+    if (m_format == ExportFormat::None) return -1;
+    if (OutputFile.isEmpty()) return -2;
+    const QByteArray bytes = encode(InputPicture);
+    if (bytes.isEmpty()) return -3;
+    return writeFileReplacing(OutputFile, bytes) ? 0 : -4;
+}
+
+bool writeFileReplacing(const QString &path, const QByteArray &bytes)
+{
+    const QFileInfo info(path);
+    QByteArray tmpl = QFile::encodeName(info.absolutePath() + "/." + info.fileName() + ".XXXXXX");
+    const int fd = ::mkstemp(tmpl.data());
+    if (fd < 0) return false;
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    ::fchmod(fd, 0666 & ~mask);
+    const char *p = bytes.constData();
+    size_t left = size_t(bytes.size());
+    bool ok = true;
+    while (left > 0 && ok) {
+        const ssize_t n = ::write(fd, p, left);
+        if (n < 0 && errno == EINTR) continue;
+        ok = n > 0;
+        if (ok) p += n, left -= size_t(n);
+    }
+    ok = ok && ::fsync(fd) == 0;
+    ok = (::close(fd) == 0) && ok;
+    if (ok) ok = ::rename(tmpl.constData(), QFile::encodeName(info.absoluteFilePath()).constData()) == 0;
+    if (!ok) ::unlink(tmpl.constData());
+    return ok;
+}
+
+} // namespace fw
