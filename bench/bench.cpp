@@ -7,6 +7,8 @@
 #include "platform/Canvas.h"
 #include "platform/Services.h"
 #include "prefs/Preferences.h"
+#include "platform/GraphicsExporter.h"
+#include "platform/MagickWriter.h"
 #include "prefs/prefwin.h"
 #include "recent/recentwin.h"
 
@@ -94,7 +96,9 @@ int main(int argc, char **argv)
     QTemporaryDir home;
     qputenv("XDG_CONFIG_HOME", home.path().toUtf8());
 
-    fw::Services services(fw::Bundle(home.path() + "/Vantrel.app/Contents/MacOS"), home.path());
+    // The bundle the build made beside the benchmark, for its pictures.
+    fw::Services services(fw::Bundle(QCoreApplication::applicationDirPath() + "/../Vantrel.app/Contents/MacOS"),
+                          home.path());
     auto runner = std::make_unique<Runner>();
     Runner *r = runner.get();
     services.commands = std::move(runner);
@@ -191,6 +195,40 @@ int main(int argc, char **argv)
             }, &lastStep));
         }
         std::printf("  %3d %%%38s %8.1f\n", at, "", worst);
+    }
+
+    // Export of the 4K capture in each format, both writers where both can write it.
+    std::printf("\n%-28s %10s %10s %12s\n", "export (encode only)", "Qt", "Magick", "QImage::save");
+    struct Row {
+        const char *label, *code, *settings, *qtName;
+    };
+    const Row rows[] = {
+        {"JPEG q85", "JPEG", "", "jpeg"},
+        {"PNG level 6", "PNGf", "", "png"},
+        {"PNG level 1", "PNGf", "vantrel-export-settings 1\npng.compression=1", "png"},
+        {"BMP 24", "BMPf", "", "bmp"},
+        {"TIFF LZW", "TIFF", "", nullptr},
+        {"PICT", "PICT", "", nullptr},
+        {"Photoshop RLE", "8BPS", "", nullptr},
+        {"Targa RLE", "TPIC", "", nullptr},
+    };
+    for (const Row &row : rows) {
+        fw::GraphicsExporter e(nullptr);
+        e.OpenExporter(row.code);
+        e.setSettings(row.settings);
+        const fw::ExportFormat f = e.format();
+        const fw::ExporterSettings st = fw::ExporterSettings::fromText(row.settings, f);
+        const double qt = row.qtName ? bestOf(3, [&] { e.encode(capture); }) : -1;
+        const double mg = bestOf(3, [&] { fw::magick::encode(capture, f, st); });
+        const double save = row.qtName ? bestOf(3, [&] {
+            QByteArray out;
+            QBuffer b(&out);
+            b.open(QIODevice::WriteOnly);
+            capture.save(&b, row.qtName);
+        }) : -1;
+        auto cell = [](double v) { return v < 0 ? QString("-") : QString::number(v, 'f', 0); };
+        std::printf("%-28s %10s %10s %12s\n", row.label, qPrintable(cell(qt)), qPrintable(cell(mg)),
+                    qPrintable(cell(save)));
     }
 
     // The drawer full: ten 4K captures, painted from full size.
