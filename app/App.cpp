@@ -1,6 +1,7 @@
 #include "app/App.h"
 
 #include "app/FileTypes.h"
+#include "app/splash.h"
 #include "platform/Failure.h"
 #include "editor/Window1.h"
 #include "prefs/HideDockIcon.h"
@@ -60,6 +61,8 @@ void App::Event_Open()
     (void)Window1::instance();
     if (showSplash) showSplash();
 }
+
+void App::showTheSplash() { splash::instance().ShowModal(); }
 
 bool App::Event_UnhandledException(std::exception_ptr)
 {

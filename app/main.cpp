@@ -19,6 +19,7 @@ int main(int argc, char **argv)
     Preferences preferences(services->preferenceDomains);
     App app(*services);
     preferences.msgBox = [&app](const QString &text) { app.MsgBox(text); };
+    app.showSplash = [&app] { app.showTheSplash(); };
     app._Startup();
     return QApplication::exec();
 }

@@ -249,6 +249,4 @@ bool Window1::_FileClose_Action()
     return false;
 }
 
-bool Window1::_FilePrint_Action() { return true; }
 
-bool Window1::_FilePageSetup_Action() { return false; }

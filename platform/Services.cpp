@@ -9,6 +9,9 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QGuiApplication>
+#include <QPageSetupDialog>
+#include <QPrintDialog>
+#include <QPrinter>
 #include <QStandardPaths>
 
 namespace fw {
@@ -27,6 +30,17 @@ Services::Services(Bundle b, QString configFolder)
       }),
       settingsDialog([](ExportFormat f, ExporterSettings &s) { return output::runExportSettingsDialog(f, s); }),
       shiftKeyDown([] { return QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ShiftModifier); }),
+      printDialog([](QWidget *parent) -> std::unique_ptr<QPrinter> {
+          auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+          printer->setDocName(QStringLiteral("Vantrel capture"));
+          QPrintDialog dialog(printer.get(), parent);
+          if (dialog.exec() != QDialog::Accepted) return nullptr;
+          return printer;
+      }),
+      pageSetupDialog([](QPrinter &printer) {
+          QPageSetupDialog dialog(&printer, nullptr);
+          return dialog.exec() == QDialog::Accepted;
+      }),
       temporaryFolder(&privateTemporaryFolder)
 {
 }

@@ -12,6 +12,7 @@
 #include <functional>
 
 class QWidget;
+class QPrinter;
 #include <memory>
 
 namespace fw {
@@ -35,6 +36,10 @@ struct Services {
     GraphicsExporter::SettingsDialog settingsDialog;
     // Whether Shift is down at the moment of asking.
     std::function<bool()> shiftKeyDown;
+    // The print dialog: a printer ready for one page, or null on cancel.
+    std::function<std::unique_ptr<QPrinter>(QWidget *parent)> printDialog;
+    // The page setup dialog on a printer; true when confirmed.
+    std::function<bool(QPrinter &)> pageSetupDialog;
     // The per-user private folder for temporary files; empty (nil) when it can't be had safely.
     std::function<QString()> temporaryFolder;
 

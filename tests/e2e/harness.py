@@ -90,7 +90,10 @@ class Session:
         self.logf = open(self.log, "w")
         self.proc = subprocess.Popen([exe], env=self.env, stdout=self.logf,
                                      stderr=subprocess.STDOUT, stdin=DEVNULL)
-        time.sleep(1.0)  # start-up, until the hot key is claimed
+        time.sleep(0.5)
+        # Start-up ends when the splash has gone.
+        wait_for(lambda: not [w for w in self.windows(name=".*") if self.role(w) == "splash"], 4.0)
+        time.sleep(0.2)
         return self.proc
 
     def capture_until_editor(self, tries=3, wait=1.5):
