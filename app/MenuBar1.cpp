@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QMenu>
 #include <QApplication>
+#include <QClipboard>
 #include <QLineEdit>
 #include <QMenuBar>
 
@@ -48,6 +49,22 @@ QString MenuBar1::toQtShortcut(const QString &shortcut)
     return s.left(plus + 1) + s.mid(plus + 1).toUpper();
 }
 
+bool MenuBar1::isAvailable(fw::Application &app, const QString &name)
+{
+    // An item with a handler on the front window or the application is available.
+    if (fw::Window *front = app.frontWindow(); front && front->hasMenuHandler(name)) return true;
+    if (app.hasMenuHandler(name)) return true;
+    // The Edit items, when the focused text field can do the command.
+    auto *field = qobject_cast<QLineEdit *>(QApplication::focusWidget());
+    if (!field) return false;
+    const bool selected = field->hasSelectedText(), writable = !field->isReadOnly();
+    if (name == "EditUndo") return field->isUndoAvailable();
+    if (name == "EditCut" || name == "EditClear") return selected && writable;
+    if (name == "EditCopy") return selected;
+    if (name == "EditPaste") return writable && !QGuiApplication::clipboard()->text().isEmpty();
+    return false;
+}
+
 QMenuBar *MenuBar1::buildBar(fw::Application &app, QWidget *parent)
 {
     auto *bar = new QMenuBar(parent);
@@ -58,6 +75,11 @@ QMenuBar *MenuBar1::buildBar(fw::Application &app, QWidget *parent)
             m->setObjectName(it.name);
             m->menuAction()->setObjectName(it.name);
             menus.insert(it.name, m);
+            // Enabled as the program stands at the moment the menu opens.
+            QObject::connect(m, &QMenu::aboutToShow, m, [&app, m] {
+                for (QAction *a : m->actions())
+                    if (!a->isSeparator()) a->setEnabled(isAvailable(app, a->objectName()));
+            });
             continue;
         }
         QMenu *menu = menus.value(it.parent);

@@ -30,6 +30,9 @@ public:
     static QString toQtShortcut(const QString &shortcut);
     // A menu bar for a window, each action named after its item.
     static QMenuBar *buildBar(fw::Application &app, QWidget *parent);
+    // Whether the item can be used now: a handler on the front window or the application, or a
+    // focused text field that can do the Edit command.
+    static bool isAvailable(fw::Application &app, const QString &name);
     // The item of that name in a built bar, or nullptr (so an unknown name gives nil).
     static QAction *find(QMenuBar *bar, const QString &name);
 };

@@ -85,11 +85,13 @@ class Session:
             return []
 
     # --- the program -----------------------------------------------------------------------
-    def start(self):
+    def start(self, wait_splash=True):
         exe = os.path.join(self.bundle, "Contents", "MacOS", "Vantrel")
         self.logf = open(self.log, "w")
-        self.proc = subprocess.Popen([exe], env=self.env, stdout=self.logf,
+        self.proc = subprocess.Popen([exe], env=self.env, stdout=self.logf, cwd=self.home,
                                      stderr=subprocess.STDOUT, stdin=DEVNULL)
+        if not wait_splash:
+            return self.proc
         time.sleep(0.5)
         # Start-up ends when the splash has gone.
         wait_for(lambda: not [w for w in self.windows(name=".*") if self.role(w) == "splash"], 4.0)

@@ -197,6 +197,31 @@ private slots:
         QVERIFY(!t.app->quitRequested());
     }
 
+    void enabling_followsTheFrontWindowAndTheFocusedField()
+    {
+        TestProgram t;
+        t.captureGives(patternImage(40, 40));
+        t.pressHotKey();
+        Window1 &w = Window1::instance();
+        fw::Application &app = *t.app;
+        QApplication::setActiveWindow(&w);
+        for (const char *name : {"FilePrint", "FileClose", "FileQuit", "FilePreferences"})
+            QVERIFY2(MenuBar1::isAvailable(app, name), name);
+        w.captionText->setFocus();
+        w.captionText->setText("abc");
+        w.captionText->deselect();
+        QVERIFY(!MenuBar1::isAvailable(app, "EditCopy"));
+        w.captionText->selectAll();
+        QVERIFY(MenuBar1::isAvailable(app, "EditCopy"));
+        QVERIFY(MenuBar1::isAvailable(app, "EditCut"));
+        w.Hide();
+        QApplication::setActiveWindow(nullptr);
+        QVERIFY(!MenuBar1::isAvailable(app, "FilePrint"));
+        QVERIFY(!MenuBar1::isAvailable(app, "FileClose"));
+        QVERIFY(MenuBar1::isAvailable(app, "FileQuit"));
+        QVERIFY(MenuBar1::isAvailable(app, "FilePreferences"));
+    }
+
     void editCopy_inTheCaptionCopiesText_notThePicture()
     {
         TestProgram t;
