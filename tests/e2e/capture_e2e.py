@@ -1,16 +1,13 @@
 """The resident program under a real X server: start, hot key, capture, editor, close, quit."""
 
-import argparse
 import glob
 import os
 import sys
 import time
-import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from harness import Session, Xvfb, load_image_geometry, wait_for  # noqa: E402
+from harness import E2ETestCase, load_image_geometry, main, wait_for  # noqa: E402
 
-BUNDLE = None
 
 
 def read(path):
@@ -18,21 +15,15 @@ def read(path):
         return f.read()
 
 
-class CaptureTest(unittest.TestCase):
+class CaptureTest(E2ETestCase):
     def setUp(self):
-        # A display of its own per test: a clipboard owner left by one test must not feed the next.
-        self.xvfb = Xvfb(1280, 1024)
-        self.s = Session(BUNDLE, self.xvfb)
+        super().setUp()
         self.known = os.path.join(self.s.tmp, "known.png")
         # A picture whose every row and column differs, so any offset or scaling shows.
         self.s.run("convert", "-size", "200x120", "gradient:red-blue",
                    "(", "-size", "200x120", "gradient:black-lime", "-rotate", "0", ")",
                    "-compose", "plus", "-composite", "-fx", "u+(i%7)/255", "-depth", "8",
                    "-strip", "PNG24:" + self.known)
-
-    def tearDown(self):
-        self.s.cleanup()
-        self.xvfb.close()
 
     def own_visible_windows(self):
         out = self.s.run("xdotool", "search", "--onlyvisible", "--pid", str(self.s.proc.pid),
@@ -166,8 +157,4 @@ class CaptureTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    ap = argparse.ArgumentParser()
-    ap.add_argument("--bundle", required=True)
-    args, rest = ap.parse_known_args()
-    BUNDLE = os.path.abspath(args.bundle)
-    unittest.main(argv=[sys.argv[0]] + rest, verbosity=2)
+    main()

@@ -1,23 +1,20 @@
 """The editor's scale and caption controls driven with real clicks and key presses, the canvas
 seen in screenshots and the controls read through AT-SPI. Run inside dbus-run-session."""
 
-import argparse
 import os
 import sys
 import time
-import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from harness import A11y, Session, Xvfb, rgb_pixels, wait_for  # noqa: E402
-
-BUNDLE = None
+from harness import E2ETestCase, main, rgb_pixels, wait_for  # noqa: E402
 
 
-class ControlsTest(unittest.TestCase):
+
+class ControlsTest(E2ETestCase):
+    accessible = True
+
     def setUp(self):
-        self.xvfb = Xvfb(1280, 1024)
-        self.s = Session(BUNDLE, self.xvfb)
-        self.a11y = A11y(self.s)
+        super().setUp()
         s = self.s
         # 400x300 made of 2x2 blocks of a 200x150 picture: half size shows that picture exactly
         # whichever pixel of a block the scaling samples.
@@ -30,10 +27,6 @@ class ControlsTest(unittest.TestCase):
         s.start()
         self.assertTrue(s.capture_until_editor())
         time.sleep(0.3)
-
-    def tearDown(self):
-        self.s.cleanup()
-        self.xvfb.close()
 
     def canvas_picture(self, width, height, name):
         """The picture as the canvas shows it, centred one pixel in."""
@@ -95,8 +88,4 @@ class ControlsTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    ap = argparse.ArgumentParser()
-    ap.add_argument("--bundle", required=True)
-    args, rest = ap.parse_known_args()
-    BUNDLE = os.path.abspath(args.bundle)
-    unittest.main(argv=[sys.argv[0]] + rest, verbosity=2)
+    main()

@@ -1,12 +1,15 @@
 """End-to-end harness: a private Xvfb, a temporary HOME and XDG folders, fake external
 commands on PATH, and helpers to look at and drive the real X windows of the built bundle."""
 
+import argparse
 import ctypes
 import os
 import shutil
 import subprocess
+import sys
 import tempfile
 import time
+import unittest
 
 DEVNULL = subprocess.DEVNULL
 
@@ -306,3 +309,33 @@ def rgb_pixels(session, path):
     raw = subprocess.run(["convert", path, "-depth", "8", "rgb:-"], env=session.env,
                          capture_output=True, check=True).stdout
     return [[tuple(raw[(y * w + x) * 3:(y * w + x) * 3 + 3]) for x in range(w)] for y in range(h)]
+
+
+BUNDLE = None  # the bundle under test, from --bundle
+
+
+class E2ETestCase(unittest.TestCase):
+    """A test with a display and a session of its own. Subclasses that read widgets through
+    AT-SPI set `accessible` (and run inside dbus-run-session)."""
+
+    accessible = False
+
+    def setUp(self):
+        # A display of its own per test: a clipboard owner left by one test must not feed the next.
+        self.xvfb = Xvfb(1280, 1024)
+        self.s = Session(BUNDLE, self.xvfb)
+        self.a11y = A11y(self.s) if self.accessible else None
+
+    def tearDown(self):
+        self.s.cleanup()
+        self.xvfb.close()
+
+
+def main():
+    """Runs the calling script's tests against the bundle named by --bundle."""
+    global BUNDLE
+    ap = argparse.ArgumentParser()
+    ap.add_argument("--bundle", required=True)
+    args, rest = ap.parse_known_args()
+    BUNDLE = os.path.abspath(args.bundle)
+    unittest.main(module="__main__", argv=[sys.argv[0]] + rest, verbosity=2)

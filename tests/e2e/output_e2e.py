@@ -1,30 +1,23 @@
 """The toolbar driven with real clicks: Save, Copy, Recent and E-Mail, on hot-key captures.
 Run inside dbus-run-session (the buttons are found through AT-SPI)."""
 
-import argparse
 import os
 import sys
 import time
-import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from harness import A11y, Session, Xvfb, load_image_geometry, wait_for  # noqa: E402
-
-BUNDLE = None
+from harness import E2ETestCase, load_image_geometry, main, wait_for  # noqa: E402
 
 
-class OutputTest(unittest.TestCase):
+
+class OutputTest(E2ETestCase):
+    accessible = True
+
     def setUp(self):
-        self.xvfb = Xvfb(1280, 1024)
-        self.s = Session(BUNDLE, self.xvfb)
-        self.a11y = A11y(self.s)
+        super().setUp()
         self.desktop = os.path.join(self.s.home, "Bureau")  # not the default name on purpose
         os.makedirs(self.desktop)
         self.s.env["XDG_DESKTOP_DIR"] = self.desktop
-
-    def tearDown(self):
-        self.s.cleanup()
-        self.xvfb.close()
 
     def picture(self, name, w, h, colour):
         path = os.path.join(self.s.tmp, name)
@@ -135,8 +128,4 @@ class OutputTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    ap = argparse.ArgumentParser()
-    ap.add_argument("--bundle", required=True)
-    args, rest = ap.parse_known_args()
-    BUNDLE = os.path.abspath(args.bundle)
-    unittest.main(argv=[sys.argv[0]] + rest, verbosity=2)
+    main()

@@ -1,26 +1,15 @@
 """The splash at start (and the hot key during it), and a print to a PDF file."""
 
-import argparse
 import os
 import sys
 import time
-import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from harness import Session, Xvfb, load_image_geometry, wait_for  # noqa: E402
-
-BUNDLE = None
+from harness import E2ETestCase, load_image_geometry, main, wait_for  # noqa: E402
 
 
-class SplashPrintTest(unittest.TestCase):
-    def setUp(self):
-        self.xvfb = Xvfb(1280, 1024)
-        self.s = Session(BUNDLE, self.xvfb)
 
-    def tearDown(self):
-        self.s.cleanup()
-        self.xvfb.close()
-
+class SplashPrintTest(E2ETestCase):
     def splash_windows(self):
         return [w for w in self.s.windows(name=".*") if self.s.role(w) == "splash"]
 
@@ -94,8 +83,4 @@ class SplashPrintTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    ap = argparse.ArgumentParser()
-    ap.add_argument("--bundle", required=True)
-    args, rest = ap.parse_known_args()
-    BUNDLE = os.path.abspath(args.bundle)
-    unittest.main(argv=[sys.argv[0]] + rest, verbosity=2)
+    main()

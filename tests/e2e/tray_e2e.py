@@ -1,28 +1,25 @@
 """The tray icon under a real tray host (trayer), the preferences window it opens, launch at
 login, and the bundle's flag that hides the icon from the next launch on."""
 
-import argparse
 import os
 import re
 import shutil
 import subprocess
 import sys
 import time
-import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from harness import Session, Xvfb, wait_for  # noqa: E402
+import harness  # noqa: E402
+from harness import E2ETestCase, main, wait_for  # noqa: E402
 
-BUNDLE = None
 
 
-class TrayTest(unittest.TestCase):
+class TrayTest(E2ETestCase):
     def setUp(self):
-        self.xvfb = Xvfb(1280, 1024)
-        self.s = Session(None, self.xvfb)
+        super().setUp()
         # The flag lives in the bundle itself: work on a copy (which also shows it can move).
         self.s.bundle = os.path.join(self.s.tmp, "My Apps", "Vantrel.app")
-        shutil.copytree(BUNDLE, self.s.bundle, symlinks=True)
+        shutil.copytree(harness.BUNDLE, self.s.bundle, symlinks=True)
         self.tray = subprocess.Popen(
             ["trayer", "--edge", "top", "--align", "right", "--widthtype", "pixel", "--width",
              "120", "--height", "28", "--SetDockType", "true"],
@@ -30,10 +27,9 @@ class TrayTest(unittest.TestCase):
         time.sleep(0.5)
 
     def tearDown(self):
-        self.s.cleanup()
         self.tray.terminate()
         self.tray.wait(5)
-        self.xvfb.close()
+        super().tearDown()
 
     def tray_icon(self):
         """Absolute geometry of our icon embedded in the tray, or None."""
@@ -127,8 +123,4 @@ class TrayTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    ap = argparse.ArgumentParser()
-    ap.add_argument("--bundle", required=True)
-    args, rest = ap.parse_known_args()
-    BUNDLE = os.path.abspath(args.bundle)
-    unittest.main(argv=[sys.argv[0]] + rest, verbosity=2)
+    main()
