@@ -19,7 +19,7 @@ recentwin::recentwin(fw::Services &services, fw::WindowRegistry &registry)
     : fw::Window(services, registry)
 {
     setObjectName(QStringLiteral("recentwin"));
-    setWindowTitle(QStringLiteral("Recent Captures"));
+    setWindowTitle(QStringLiteral("Untitled")); // a drawer shows no title of its own
     setWindowRole(QStringLiteral("drawer"));
     setWindowFlag(Qt::Tool, true);
     setMinimumSize(150, 64);
