@@ -4,7 +4,7 @@ set -eu
 cd "$(dirname "$0")/.."
 sh scripts/deps.sh
 cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-cmake --build build -j2
+cmake --build build -j2 --target Vantrel
 if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
   # No desktop here (a bare server): give Vantrel a virtual screen so it can still run.
   echo "run.sh: no display; starting a virtual one (Xvfb :99)" >&2

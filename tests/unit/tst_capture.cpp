@@ -175,21 +175,6 @@ private slots:
         QCOMPARE(prefwin::instance().PopupMenu1->currentText(), QString("PNG"));
     }
 
-    void quit_withTheEditorShownRunsBothHandlersAndCloses()
-    {
-        TestProgram t;
-        t.captureGives(patternImage(40, 40));
-        t.pressHotKey();
-        Window1 &w = Window1::instance();
-        QVERIFY(w.runMenuHandler("FileQuit") == std::optional<bool>(false));
-        QVERIFY(t.app->quitting);
-        QVERIFY(!t.app->quitRequested());
-        t.app->_FileQuit_Action();
-        QVERIFY(t.app->quitRequested());
-        QVERIFY(QFile::exists(t.plistPath()));
-        QVERIFY2(!t.app->windows().existing<prefwin>(), "the preferences window really closed");
-    }
-
     void quit_withoutTheFlagIsRefusedByTheEditor()
     {
         TestProgram t;
@@ -209,22 +194,6 @@ private slots:
         t.app->systemQuit();
         QVERIFY(t.app->quitRequested());
         QVERIFY(!t.app->quitting);
-    }
-
-    void closeBox_hidesAndTheSameObjectComesBack()
-    {
-        TestProgram t;
-        t.captureGives(patternImage(40, 40));
-        t.pressHotKey();
-        Window1 *w = &Window1::instance();
-        w->captionText->setText("kept");
-        QVERIFY(!w->close());
-        QVERIFY(!w->isVisible());
-        t.pressHotKey();
-        QCOMPARE(&Window1::instance(), w);
-        QVERIFY(w->isVisible());
-        QCOMPARE(w->captionText->text(), QString("kept"));
-        QVERIFY(!w->holdupdate);
     }
 
     void failureBeforeTheEditorExists_hasAnEmptyBreadcrumb()

@@ -166,17 +166,6 @@ private slots:
         QCOMPARE(w.ScrollBarH->value(), h / 3);
     }
 
-    void preview_showsThePictureOneToOne()
-    {
-        TestProgram t;
-        const QImage pic = patternImage(120, 80);
-        Window1 &w = loaded(t, pic);
-        const QImage shot = w.Canvas1->grab().toImage().convertToFormat(QImage::Format_RGB32);
-        const QSize c = w.Canvas1->size();
-        const QPoint at(int((c.width() - 120) / 2.0 + 1.0), int((c.height() - 80) / 2.0 + 1.0));
-        QCOMPARE(shot.copy(QRect(at, pic.size())), pic);
-    }
-
     void preview_scrolledShowsTheScrolledPart()
     {
         TestProgram t;
@@ -298,15 +287,6 @@ private slots:
         QCOMPARE(recentwin::instance().Height(), 500);
     }
 
-    void fileClose_hidesTheEditorAndTheDrawer()
-    {
-        TestProgram t;
-        Window1 &w = loaded(t, patternImage(50, 50));
-        recentwin::instance().Show();
-        QCOMPARE(w.runMenuHandler("FileClose"), std::optional<bool>(false));
-        QVERIFY(!w.isVisible());
-        QVERIFY(!recentwin::instance().isVisible());
-    }
 };
 
 QTEST_MAIN(EditorTest)

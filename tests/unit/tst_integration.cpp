@@ -342,22 +342,6 @@ private slots:
         QCOMPARE(p.savefolder->text(), QString("Shots"));
     }
 
-    void window_launchAtLoginAndHideIconBoxes()
-    {
-        TestProgram t;
-        prefwin &p = prefwin::instance();
-        QVERIFY(!p.CheckBox1->isChecked());
-        p.CheckBox1->click();
-        QCOMPARE(describe(t.autostartFolder()),
-                 QStringList{"Vantrel.desktop|Vantrel.app|" + t.bundlePath()});
-        p.CheckBox1->click();
-        QVERIFY(describe(t.autostartFolder()).isEmpty());
-        p.CheckBox2->click();
-        QVERIFY(dockicon::isHidden(t.bundlePath()));
-        p.CheckBox2->click();
-        QVERIFY(!dockicon::isHidden(t.bundlePath()));
-    }
-
     void window_opensWithTheLoginItemsAndTheFlagAsTheyAre()
     {
         TestProgram t;

@@ -14,7 +14,6 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPrinter>
-#include <QProcess>
 #include <QTimer>
 #include <QtTest>
 
@@ -69,34 +68,6 @@ private slots:
         QFETCH(QSize, picture);
         QFETCH(QSize, drawn);
         QCOMPARE(output::printedSize(picture, QSize(612, 792)), drawn);
-    }
-
-    void print_drawsTheRawCaptureAtTheTopLeft_withoutItsCaption()
-    {
-        TestProgram t;
-        const QImage pic = patternImage(300, 200);
-        t.captureGives(pic);
-        t.pressHotKey();
-        Window1 &w = Window1::instance();
-        w.scaleField->setText("50");
-        w.captionText->setText("Not on paper");
-        const QString pdf = t.home.path() + "/out.pdf";
-        t.services->printDialog = [pdf](QWidget *) {
-            auto p = std::make_unique<QPrinter>(QPrinter::HighResolution);
-            p->setOutputFormat(QPrinter::PdfFormat);
-            p->setOutputFileName(pdf);
-            p->setPageSize(QPageSize(QPageSize::Letter));
-            return p;
-        };
-        QCOMPARE(w.runMenuHandler("FilePrint"), std::optional<bool>(true));
-        QVERIFY(QFile::exists(pdf));
-        QProcess render;
-        render.start("pdftoppm", {"-r", "72", "-png", "-singlefile", pdf, t.home.path() + "/page"});
-        QVERIFY(render.waitForFinished(30000));
-        const QImage page = QImage(t.home.path() + "/page.png").convertToFormat(QImage::Format_RGB32);
-        QCOMPARE(page.size(), QSize(612, 792));
-        QCOMPARE(page.copy(0, 0, 300, 200), pic);
-        QCOMPARE(page.pixel(310, 210), qRgb(255, 255, 255));
     }
 
     void print_cancelledDoesNothing_andWithNoCaptureStillReachesTheHandler()

@@ -40,15 +40,6 @@ private slots:
         for (int i = 0; i < 10; ++i) QCOMPARE(list[i].width(), 12 + i);
     }
 
-    void theDrawerHoldsTheClipboardPictureItself()
-    {
-        TestProgram t;
-        capture(t, solid(40, 30, Qt::red));
-        // The editor's capture and the drawer's entry are the same pixels, not two copies.
-        QCOMPARE(Window1::instance().mypic.constBits(),
-                 recentwin::instance().recentimages.first().constBits());
-    }
-
     void click_takesTheRowUnderTheRelease_data()
     {
         QTest::addColumn<int>("y");
