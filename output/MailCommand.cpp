@@ -14,7 +14,6 @@
 
 #include <QComboBox>
 #include <QDir>
-#include <QFileInfo>
 #include <QLineEdit>
 
 namespace {
@@ -41,10 +40,8 @@ void AttachUdora(const QStringList &values) { runStoredScript(170, values); }
 void Window1::MailTB_Action()
 {
     // The name comes first, also when there turns out to be no exporter.
-    const QString name = output::mailFileName([](const QString &n) {
-        const QFileInfo info(QDir(temporaryFolder()).filePath(n));
-        return info.exists() || info.isSymLink();
-    });
+    const QString name = output::mailFileName(
+        [](const QString &n) { return output::nameTaken(QDir(temporaryFolder()).filePath(n)); });
     const QString file = QDir(temporaryFolder()).filePath(name);
     if (!exporter) {
         App::instance().MsgBox(QStringLiteral("Please select a format"));

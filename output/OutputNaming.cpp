@@ -2,12 +2,19 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QUrl>
 
 namespace output {
 
 // Lets timers and paints run during a long search, but no user input.
 static void yieldOnce() { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); }
+
+bool nameTaken(const QString &path)
+{
+    const QFileInfo info(path);
+    return info.exists() || info.isSymLink();
+}
 
 QString quickSaveName(const QString &extension, const Exists &exists)
 {

@@ -8,6 +8,9 @@ namespace output {
 
 using Exists = std::function<bool(const QString &name)>;
 
+// Whether something stands at a path; a link counts, even one that leads nowhere.
+bool nameTaken(const QString &path);
+
 // Save: "Capture.<ext>", then Capture1, Capture2 … — the first free name, gaps filled.
 QString quickSaveName(const QString &extension, const Exists &exists);
 // E-mail: "vtp1" (tried twice), then vtp2, vtp3 … — no extension.

@@ -11,17 +11,9 @@
 #include "prefs/prefwin.h"
 
 #include <QComboBox>
-#include <QFileInfo>
 #include <QLineEdit>
 
 namespace {
-// A name is taken by anything there, a link included (even one that leads nowhere).
-bool taken(const QString &path)
-{
-    const QFileInfo info(path);
-    return info.exists() || info.isSymLink();
-}
-
 void writeOutputKeys(Window1 &w)
 {
     Preferences &prefs = Preferences::module();
@@ -56,7 +48,7 @@ void Window1::SaveTB_Action()
     if (!DefaultFolder) return;
     const QDir folder = *DefaultFolder;
     const QString name = output::quickSaveName(exporter->GetDefaultFileNameExtension(),
-                                               [&](const QString &n) { return taken(folder.filePath(n)); });
+                                               [&](const QString &n) { return output::nameTaken(folder.filePath(n)); });
     exporter->InputPicture = getoutputimage();
     exporter->OutputFile = folder.filePath(name);
     [[maybe_unused]] const int status = exporter->Export();

@@ -1,15 +1,10 @@
 #include "platform/GraphicsExporter.h"
 
+#include "platform/AtomicFile.h"
 #include "platform/MagickWriter.h"
 
 #include <QBuffer>
-#include <QFile>
-#include <QFileInfo>
 #include <QImageWriter>
-#include <cerrno>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace fw {
 
@@ -91,31 +86,6 @@ int GraphicsExporter::Export()
     const QByteArray bytes = encode(InputPicture);
     if (bytes.isEmpty()) return -3;
     return writeFileReplacing(OutputFile, bytes) ? 0 : -4;
-}
-
-bool writeFileReplacing(const QString &path, const QByteArray &bytes)
-{
-    const QFileInfo info(path);
-    QByteArray tmpl = QFile::encodeName(info.absolutePath() + "/." + info.fileName() + ".XXXXXX");
-    const int fd = ::mkstemp(tmpl.data());
-    if (fd < 0) return false;
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    ::fchmod(fd, 0666 & ~mask);
-    const char *p = bytes.constData();
-    size_t left = size_t(bytes.size());
-    bool ok = true;
-    while (left > 0 && ok) {
-        const ssize_t n = ::write(fd, p, left);
-        if (n < 0 && errno == EINTR) continue;
-        ok = n > 0;
-        if (ok) p += n, left -= size_t(n);
-    }
-    ok = ok && ::fsync(fd) == 0;
-    ok = (::close(fd) == 0) && ok;
-    if (ok) ok = ::rename(tmpl.constData(), QFile::encodeName(info.absoluteFilePath()).constData()) == 0;
-    if (!ok) ::unlink(tmpl.constData());
-    return ok;
 }
 
 } // namespace fw

@@ -45,8 +45,4 @@ private:
     ExporterSettings m_settings;
 };
 
-// Writes bytes to a file through a temporary file in the same folder and a rename, so a failed
-// write leaves what was there and a link at that name is replaced, never written through.
-bool writeFileReplacing(const QString &path, const QByteArray &bytes);
-
 } // namespace fw

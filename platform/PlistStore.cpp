@@ -1,14 +1,10 @@
 #include "platform/PlistStore.h"
 
+#include "platform/AtomicFile.h"
+
 #include <QDateTime>
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
-#include <cerrno>
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <plist/plist.h>
-#include <unistd.h>
 
 namespace fw {
 
@@ -42,51 +38,16 @@ Loaded load(const QString &path)
     return out;
 }
 
-static bool writeAll(int fd, const char *data, size_t len)
-{
-    while (len > 0) {
-        ssize_t n = ::write(fd, data, len);
-        if (n < 0) {
-            if (errno == EINTR) continue;
-            return false;
-        }
-        data += n;
-        len -= static_cast<size_t>(n);
-    }
-    return true;
-}
-
 bool writeAtomically(const QString &path, void *node, int mode)
 {
-    const QFileInfo info(path);
-    QDir().mkpath(info.absolutePath());
     char *xml = nullptr;
     uint32_t len = 0;
     plist_to_xml(static_cast<plist_t>(node), &xml, &len);
     if (!xml) return false;
-
-    QByteArray tmpl = QFile::encodeName(info.absolutePath() + "/." + info.fileName() + ".XXXXXX");
-    int fd = ::mkstemp(tmpl.data());
-    if (fd < 0) {
-        plist_to_xml_free(xml);
-        return false;
-    }
-    if (mode >= 0) ::fchmod(fd, mode_t(mode));
-    bool ok = writeAll(fd, xml, len) && ::fsync(fd) == 0;
+    const QByteArray bytes(xml, qsizetype(len));
     plist_to_xml_free(xml);
-    ok = (::close(fd) == 0) && ok;
-    if (ok) ok = ::rename(tmpl.constData(), QFile::encodeName(path).constData()) == 0;
-    if (!ok) {
-        ::unlink(tmpl.constData());
-        return false;
-    }
-    // Make the rename itself durable.
-    int dfd = ::open(QFile::encodeName(info.absolutePath()).constData(), O_RDONLY | O_DIRECTORY);
-    if (dfd >= 0) {
-        ::fsync(dfd);
-        ::close(dfd);
-    }
-    return true;
+    // Preferences are private to the user unless told otherwise.
+    return writeFileReplacing(path, bytes, mode < 0 ? 0600 : mode);
 }
 
 } // namespace plistfile

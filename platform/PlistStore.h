@@ -25,8 +25,7 @@ struct Loaded {
     PlistPtr root; // a dictionary when state is Ok
 };
 Loaded load(const QString &path);
-// Writes the node as XML through a temporary file in the same folder, fsync and rename. The new
-// file gets `mode` (the temporary file's private 0600 when negative).
+// Writes the node as XML, replacing the file whole (see AtomicFile.h); mode 0600 when negative.
 bool writeAtomically(const QString &path, void *node, int mode = -1);
 } // namespace plistfile
 

@@ -74,10 +74,10 @@ void recentwin::setscroll()
 
 void recentwin::Canvas2_Paint(QPainter &g)
 {
+    g.setRenderHint(QPainter::SmoothPixmapTransform, true);
     for (int i = 0; i < recentimages.size(); ++i) {
         const QImage &p = recentimages[i];
         const recent::Thumbnail t = recent::thumbnailFor(p.size(), i, ScrollBar1->value());
-        g.setRenderHint(QPainter::SmoothPixmapTransform, true);
         g.drawImage(QRect(t.x, t.y, 150, 150), p, QRect(0, 0, t.sourceSide, t.sourceSide));
         g.setPen(QColor(50, 50, 50));
         g.setBrush(Qt::NoBrush);
