@@ -197,34 +197,40 @@ int main(int argc, char **argv)
         std::printf("  %3d %%%38s %8.1f\n", at, "", worst);
     }
 
-    // Export of the 4K capture in each format, both writers where both can write it.
+    // Export of the 4K capture in each format at the same settings: both writers where both can
+    // write it, and QImage::save given the same quality or compression.
     std::printf("\n%-28s %10s %10s %12s\n", "export (encode only)", "Qt", "Magick", "QImage::save");
     struct Row {
         const char *label, *code, *settings, *qtName;
+        int saveQuality; // QImage::save's quality for these settings (PNG: 100 - compression)
     };
+    const QByteArray h = "vantrel-export-settings 1\n";
     const Row rows[] = {
-        {"JPEG q85", "JPEG", "", "jpeg"},
-        {"PNG level 6", "PNGf", "", "png"},
-        {"PNG level 1", "PNGf", "vantrel-export-settings 1\npng.compression=1", "png"},
-        {"BMP 24", "BMPf", "", "bmp"},
-        {"TIFF LZW", "TIFF", "", nullptr},
-        {"PICT", "PICT", "", nullptr},
-        {"Photoshop RLE", "8BPS", "", nullptr},
-        {"Targa RLE", "TPIC", "", nullptr},
+        {"JPEG q85", "JPEG", "", "jpeg", 85},
+        {"PNG level 1", "PNGf", "png.compression=1", "png", 100 - 11},
+        {"PNG level 6", "PNGf", "", "png", 100 - 61},
+        {"PNG level 9", "PNGf", "png.compression=9", "png", 100 - 91},
+        {"BMP 24", "BMPf", "", "bmp", -1},
+        {"BMP 32", "BMPf", "bmp.depth=32", nullptr, -1},
+        {"TIFF LZW", "TIFF", "", nullptr, -1},
+        {"PICT", "PICT", "", nullptr, -1},
+        {"Photoshop RLE", "8BPS", "", nullptr, -1},
+        {"Targa RLE", "TPIC", "", nullptr, -1},
     };
     for (const Row &row : rows) {
         fw::GraphicsExporter e(nullptr);
         e.OpenExporter(row.code);
-        e.setSettings(row.settings);
+        e.setSettings(h + row.settings);
         const fw::ExportFormat f = e.format();
-        const fw::ExporterSettings st = fw::ExporterSettings::fromText(row.settings, f);
-        const double qt = row.qtName ? bestOf(3, [&] { e.encode(capture); }) : -1;
+        const fw::ExporterSettings st = fw::ExporterSettings::fromText(h + row.settings, f);
+        const bool qtWrites = e.writerFor(capture) == fw::GraphicsExporter::Writer::Qt;
+        const double qt = qtWrites ? bestOf(3, [&] { e.encode(capture); }) : -1;
         const double mg = bestOf(3, [&] { fw::magick::encode(capture, f, st); });
         const double save = row.qtName ? bestOf(3, [&] {
             QByteArray out;
             QBuffer b(&out);
             b.open(QIODevice::WriteOnly);
-            capture.save(&b, row.qtName);
+            capture.save(&b, row.qtName, row.saveQuality);
         }) : -1;
         auto cell = [](double v) { return v < 0 ? QString("-") : QString::number(v, 'f', 0); };
         std::printf("%-28s %10s %10s %12s\n", row.label, qPrintable(cell(qt)), qPrintable(cell(mg)),

@@ -40,9 +40,12 @@ void AttachUdora(const QStringList &values) { runStoredScript(170, values); }
 void Window1::MailTB_Action()
 {
     // The name comes first, also when there turns out to be no exporter.
-    const QString name = output::mailFileName(
-        [](const QString &n) { return output::nameTaken(QDir(temporaryFolder()).filePath(n)); });
-    const QString file = QDir(temporaryFolder()).filePath(name);
+    auto freeName = [] {
+        const QString name = output::mailFileName(
+            [](const QString &n) { return output::nameTaken(QDir(temporaryFolder()).filePath(n)); });
+        return QDir(temporaryFolder()).filePath(name);
+    };
+    QString file = freeName();
     if (!exporter) {
         App::instance().MsgBox(QStringLiteral("Please select a format"));
         return;
@@ -50,7 +53,9 @@ void Window1::MailTB_Action()
     settingsStep(false);
     exporter->InputPicture = getoutputimage();
     exporter->OutputFile = file;
-    [[maybe_unused]] const int status = exporter->Export();
+    exporter->OutputFileMustBeNew = true;
+    [[maybe_unused]] const int status =
+        output::exportUnderFreeName(*exporter, [&] { exporter->OutputFile = file = freeName(); });
 
     Preferences &prefs = Preferences::module();
     prefs.prefaddstringvalue(PrefKeys::LastScale, scaleField->text());

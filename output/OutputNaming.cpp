@@ -1,5 +1,7 @@
 #include "output/OutputNaming.h"
 
+#include "platform/GraphicsExporter.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -35,6 +37,17 @@ QString mailFileName(const Exists &exists)
         yieldOnce();
     }
     return name;
+}
+
+int exportUnderFreeName(fw::GraphicsExporter &exporter, const std::function<void()> &nextName)
+{
+    int status = exporter.Export();
+    // Bounded: a name that stays taken though no search sees it must not hang the program.
+    for (int tries = 0; status == fw::GraphicsExporter::NameTaken && tries < 100; ++tries) {
+        nextName();
+        status = exporter.Export();
+    }
+    return status;
 }
 
 QString saveAsSuggestion(const QString &extension) { return "capture." + extension.toLower(); }

@@ -4,6 +4,10 @@
 #include <QString>
 #include <functional>
 
+namespace fw {
+class GraphicsExporter;
+}
+
 namespace output {
 
 using Exists = std::function<bool(const QString &name)>;
@@ -17,6 +21,10 @@ QString quickSaveName(const QString &extension, const Exists &exists);
 QString mailFileName(const Exists &exists);
 // The suggestion of Save as.
 QString saveAsSuggestion(const QString &extension);
+
+// Exports to the exporter's output file; while something took that name first, asks for the
+// next free name and tries again. Gives the last export status.
+int exportUnderFreeName(fw::GraphicsExporter &exporter, const std::function<void()> &nextName);
 
 // The two path forms the mail scripts receive.
 QString unixPath(const QString &path);     // a plain absolute path

@@ -47,11 +47,18 @@ void Window1::SaveTB_Action()
     settingsStep(true);
     if (!DefaultFolder) return;
     const QDir folder = *DefaultFolder;
-    const QString name = output::quickSaveName(exporter->GetDefaultFileNameExtension(),
-                                               [&](const QString &n) { return output::nameTaken(folder.filePath(n)); });
+    auto freeName = [&] {
+        return folder.filePath(output::quickSaveName(
+            exporter->GetDefaultFileNameExtension(),
+            [&](const QString &n) { return output::nameTaken(folder.filePath(n)); }));
+    };
+    exporter->OutputFile = freeName();
     exporter->InputPicture = getoutputimage();
-    exporter->OutputFile = folder.filePath(name);
-    [[maybe_unused]] const int status = exporter->Export();
+    // A file that took the name meanwhile is never replaced: the picture goes under the next
+    // free name.
+    exporter->OutputFileMustBeNew = true;
+    [[maybe_unused]] const int status =
+        output::exportUnderFreeName(*exporter, [&] { exporter->OutputFile = freeName(); });
     Hide();
     writeOutputKeys(*this);
 }
@@ -70,6 +77,7 @@ void Window1::SaveasTB_Action()
     if (chosen.isEmpty()) return;
     exporter->InputPicture = getoutputimage();
     exporter->OutputFile = chosen;
+    exporter->OutputFileMustBeNew = false;
     [[maybe_unused]] const int status = exporter->Export();
     if (!keepOpen) Hide();
     writeOutputKeys(*this);

@@ -53,6 +53,17 @@ GraphicsExporter::Writer GraphicsExporter::writerFor(const QImage &picture) cons
     return Writer::None;
 }
 
+namespace {
+
+// Qt 6 takes a PNG's compression as 0..100 and hands zlib (value * 9) / 91: the smallest value
+// that gives each zlib level.
+int qtPngCompression(int zlibLevel) { return (zlibLevel * 91 + 8) / 9; }
+
+// 72 dots per inch, which readers show as the picture's print size.
+constexpr int kDotsPerMeter = 2835;
+
+} // namespace
+
 QByteArray GraphicsExporter::encode(const QImage &picture) const
 {
     if (picture.isNull()) return {};
@@ -67,25 +78,41 @@ QByteArray GraphicsExporter::encode(const QImage &picture) const
     QByteArray out;
     QBuffer buf(&out);
     buf.open(QIODevice::WriteOnly);
-    const QImage rgb = picture.convertToFormat(QImage::Format_RGB32);
+    QImage rgb = picture.convertToFormat(QImage::Format_RGB32);
+    rgb.setDotsPerMeterX(kDotsPerMeter);
+    rgb.setDotsPerMeterY(kDotsPerMeter);
     QImageWriter w(&buf, m_format == ExportFormat::JPEG ? "jpeg" : m_format == ExportFormat::PNG ? "png" : "bmp");
     if (m_format == ExportFormat::JPEG) {
         w.setQuality(m_settings.jpegQuality);
         w.setProgressiveScanWrite(m_settings.jpegProgressive);
         w.setOptimizedWrite(true);
     } else if (m_format == ExportFormat::PNG) {
-        w.setCompression(m_settings.pngCompression);
+        w.setCompression(qtPngCompression(m_settings.pngCompression));
     }
     return w.write(rgb) ? out : QByteArray();
+}
+
+QByteArray GraphicsExporter::encodeCached(const QImage &picture)
+{
+    const QByteArray settings = Settings();
+    if (m_last.bytes.isEmpty() || m_last.picture != picture.cacheKey() || m_last.settings != settings)
+        m_last = {picture.cacheKey(), settings, encode(picture)};
+    return m_last.bytes;
 }
 
 int GraphicsExporter::Export()
 {
     if (m_format == ExportFormat::None) return -1;
     if (OutputFile.isEmpty()) return -2;
-    const QByteArray bytes = encode(InputPicture);
+    const QByteArray bytes = encodeCached(InputPicture);
     if (bytes.isEmpty()) return -3;
-    return writeFileReplacing(OutputFile, bytes) ? 0 : -4;
+    if (!OutputFileMustBeNew) return writeFileReplacing(OutputFile, bytes) ? 0 : -4;
+    switch (writeNewFile(OutputFile, bytes)) {
+    case NewFileResult::Written: return 0;
+    case NewFileResult::Taken: return NameTaken;
+    case NewFileResult::Failed: break;
+    }
+    return -4;
 }
 
 } // namespace fw

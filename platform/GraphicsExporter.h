@@ -30,8 +30,11 @@ public:
 
     QImage InputPicture;
     QString OutputFile;
+    // When set, Export never replaces anything at OutputFile and answers NameTaken instead.
+    bool OutputFileMustBeNew = false;
     // 0 when the file was written; a negative status otherwise (nothing is written then).
     int Export();
+    static constexpr int NameTaken = -5;
 
     // The encoded file for the current format and settings, empty when it can't be made.
     QByteArray encode(const QImage &picture) const;
@@ -40,7 +43,16 @@ public:
     Writer writerFor(const QImage &picture) const;
 
 private:
+    // The last encoding, kept so that a retry under another name doesn't encode again.
+    struct Encoded {
+        qint64 picture = 0;
+        QByteArray settings;
+        QByteArray bytes;
+    };
+    QByteArray encodeCached(const QImage &picture);
+
     SettingsDialog m_dialog;
+    Encoded m_last;
     ExportFormat m_format = ExportFormat::None;
     ExporterSettings m_settings;
 };

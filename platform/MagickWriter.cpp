@@ -38,6 +38,9 @@ QByteArray encode(const QImage &picture, ExportFormat format, const ExporterSett
         Magick::Image img(size_t(rgb.width()), size_t(rgb.height()), "BGRP", Magick::CharPixel,
                           rgb.constBits());
         img.depth(8);
+        // 72 dots per inch wherever the format carries a resolution.
+        img.resolutionUnits(Magick::PixelsPerInchResolution);
+        img.density(Magick::Geometry(72, 72));
         switch (format) {
         case ExportFormat::JPEG:
             img.magick("JPEG");
@@ -63,16 +66,22 @@ QByteArray encode(const QImage &picture, ExportFormat format, const ExporterSett
             img.interlaceType(s.pngInterlaced ? Magick::LineInterlace : Magick::NoInterlace);
             break;
         case ExportFormat::BMP:
-            img.magick("BMP3");
             if (s.bmpDepth == 32) {
+                // The version 3 coder never writes 32 bits; the current one does, with an
+                // opaque alpha channel.
+                img.magick("BMP");
                 img.alphaChannel(Magick::OpaqueAlphaChannel);
                 img.type(Magick::TrueColorMatteType);
             } else {
+                img.magick("BMP3");
                 img.type(Magick::TrueColorType);
             }
             break;
         case ExportFormat::Targa:
             img.magick("TGA");
+            // Rows are written top row first: the header must say so, or readers other than
+            // ImageMagick show the picture upside down.
+            img.orientation(Magick::TopLeftOrientation);
             img.compressType(s.targaRle ? Magick::RLECompression : Magick::NoCompression);
             break;
         case ExportFormat::None:

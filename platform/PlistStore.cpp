@@ -3,7 +3,9 @@
 #include "platform/AtomicFile.h"
 
 #include <QDateTime>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <plist/plist.h>
 
 namespace fw {
@@ -99,6 +101,7 @@ bool PlistStore::synchronize()
                 m_path + ".unreadable-" + QDateTime::currentDateTimeUtc().toString("yyyyMMddThhmmss");
             QFile::rename(m_path, aside);
         }
+        QDir().mkpath(QFileInfo(m_path).absolutePath()); // a first start: no config folder yet
         ok = plistfile::writeAtomically(m_path, merged.get());
         if (ok) m_pending.clear();
     }

@@ -9,7 +9,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <plist/plist.h>
-#include <sys/stat.h>
 
 namespace dockicon {
 
@@ -85,12 +84,9 @@ void setHidden(const QString &bundlePath, bool hidden)
     if (!dict) return;
     if (!plist_dict_get_item(dict.get(), kKey)) plist_dict_set_item(dict.get(), kKey, plist_new_uint(1));
     plist_dict_set_item(dict.get(), kKey, plist_new_uint(hidden ? 1 : 0));
-    // Replaced whole through a temporary file: a failed write leaves the old file, and a
-    // read-only bundle is left as it is.
-    const QString target = QFileInfo(file).canonicalFilePath();
-    struct stat st = {};
-    const int mode = ::stat(QFile::encodeName(target).constData(), &st) == 0 ? int(st.st_mode & 0777) : 0644;
-    fw::plistfile::writeAtomically(target, dict.get(), mode);
+    // Replaced whole through a temporary file, keeping the file's mode: a failed write leaves
+    // the old file, and a read-only bundle is left as it is.
+    fw::plistfile::writeAtomically(file, dict.get());
 }
 
 } // namespace dockicon

@@ -1,5 +1,7 @@
 #include "TestSupport.h"
 
+#include <QPainter>
+
 #include "platform/WindowRegistry.h"
 
 #include <QApplication>
@@ -7,6 +9,7 @@
 #include <QFile>
 #include <QDir>
 #include <QMimeData>
+#include <QPainter>
 #include <QtEndian>
 
 TestProgram::TestProgram(bool start)
@@ -107,6 +110,26 @@ QImage patternImage(int width, int height)
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
             img.setPixel(x, y, qRgb((x * 7 + y) % 256, (y * 5 + x * 3) % 256, (x ^ y) % 256));
+    return img;
+}
+
+QImage screenLike(int w, int h)
+{
+    QImage img(w, h, QImage::Format_RGB32);
+    QPainter p(&img);
+    QLinearGradient g(0, 0, w, h / 3);
+    g.setColorAt(0, QColor(30, 60, 120));
+    g.setColorAt(1, QColor(90, 140, 200));
+    p.fillRect(img.rect(), QColor(52, 101, 164));
+    p.fillRect(QRect(0, 0, w, h / 3), g);
+    for (int k = 0; k < 3; ++k) {
+        const QRect r(20 + k * w / 4, 30 + k * h / 6, w / 2, h / 2);
+        p.fillRect(r, QColor(245, 245, 245));
+        p.fillRect(QRect(r.x(), r.y(), r.width(), 20), QColor(60, 60, 60));
+        p.setPen(QColor(20, 20, 20));
+        for (int line = 0; line < r.height() / 16 - 2; ++line)
+            p.drawText(r.x() + 6, r.y() + 36 + line * 16, QString("Line %1 of some document text").arg(line));
+    }
     return img;
 }
 

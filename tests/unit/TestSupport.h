@@ -88,5 +88,7 @@ public:
 
 // A picture in which every pixel differs from its neighbours, so offsets and scaling show.
 QImage patternImage(int width, int height);
+// Something like a screen: flat areas, window frames, lines of text, a gradient.
+QImage screenLike(int width, int height);
 // Bytes of a PNG file that claims a size and carries no real pixel data.
 QByteArray pngHeaderClaiming(quint32 width, quint32 height);
