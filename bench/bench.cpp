@@ -180,22 +180,57 @@ int main(int argc, char **argv)
                 qPrintable(QString("one paint (canvas %1x%2)").arg(surface.width()).arg(surface.height())),
                 paint);
     // A slider step, timed from the neighbouring value in both directions; the slower counts.
-    std::printf("\n%-44s %8s\n", "slider step (pipeline + paint) at", "ms");
-    for (int at : {50, 100, 150, 200}) {
+    // Beside it, QImage::scaled of the whole picture at that scale, which the step no longer
+    // needs. 1000 % is typed into the field.
+    auto paintOnce = [&] {
+        QPainter p(&surface);
+        w.Canvas1_Paint(p, surface.width(), surface.height());
+    };
+    std::printf("\n%-34s %8s %12s %8s\n", "slider step (pipeline + paint) at", "ms", "QImage::sc", "ratio");
+    for (int at : {50, 100, 101, 150, 200, 1000}) {
         double worst = 0;
-        for (int from : {at - 1, at == 200 ? 199 : at + 1}) {
+        for (int from : {at - 1, at >= 200 ? at - 2 : at + 1}) {
             worst = std::max(worst, bestOf(5, [&] {
-                w.setSliderValue(from);
+                w.setScaleFieldText(QString::number(from));
                 QElapsedTimer t;
                 t.start();
-                w.setSliderValue(at);
-                QPainter p(&surface);
-                w.Canvas1_Paint(p, surface.width(), surface.height());
+                if (at <= 200)
+                    w.setSliderValue(at);
+                else
+                    w.setScaleFieldText(QString::number(at));
+                paintOnce();
                 lastStep = t.nsecsElapsed() / 1e6;
             }, &lastStep));
         }
-        std::printf("  %3d %%%38s %8.1f\n", at, "", worst);
+        const QSize size(int(3840 * at / 100.0), int(2160 * at / 100.0));
+        const double ref = at == 100 || at > 200 ? -1 : bestOf(3, [&] {
+            QImage s = w.mypic.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+            Q_UNUSED(s);
+        });
+        std::printf("  %4d %%%27s %8.1f %12s %8s\n", at, "", worst,
+                    ref < 0 ? "-" : qPrintable(QString::number(ref, 'f', 1)),
+                    ref < 0 ? "-" : qPrintable(QString::number(worst / ref, 'f', 2)));
     }
+    // A caption keystroke at 200 %: the band made anew, the visible part rendered.
+    w.setSliderValue(200);
+    int letters = 0;
+    const double keystroke = bestOf(9, [&] {
+        w.captionText->setText(QString("A caption typed letter by letter").left(10 + letters++ % 20));
+        paintOnce();
+    });
+    std::printf("%-44s %8.1f\n", "caption keystroke at 200 % (pipeline + paint)", keystroke);
+    w.captionText->setText(QString());
+
+    // Memory while browsing: every scale from 10 to 200 and back to 100 must leave no more than
+    // the 100 % view and one screenful.
+    w.setSliderValue(100);
+    paintOnce();
+    const double at100 = rssMiB();
+    for (int v = 10; v <= 200; ++v) w.setSliderValue(v), paintOnce();
+    for (int v = 200; v >= 100; --v) w.setSliderValue(v), paintOnce();
+    const double screenful = surface.width() * surface.height() * 4.0 / (1024 * 1024);
+    std::printf("%-44s %8.0f MiB (at 100 %%: %.0f, + a screenful: %.0f)\n",
+                "resident after browsing 10-200 % and back", rssMiB(), at100, at100 + screenful);
 
     // Export of the 4K capture in each format at the same settings: both writers where both can
     // write it, and QImage::save given the same quality or compression.

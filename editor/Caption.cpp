@@ -73,15 +73,41 @@ QImage Caption::band(const QString &text, int width, int height)
     return band;
 }
 
-void Caption::burnInto(QImage &picture, const QString &text)
+Caption::Placed Caption::make(const QString &text, QSize picture)
 {
     const int W = picture.width();
     const int bw = bandWidth(StringWidth(text), W);
     const int bh = StringHeight(text, W - 14) + 6;
-    const QImage b = fw::nilCheck(band(text, bw, bh));
-    const BandGeometry g = placeBand(picture.size(), bw, bh);
-    QPainter p(&picture);
-    p.drawImage(g.x, g.y, b);
+    const BandGeometry g = placeBand(picture, bw, bh);
+    return {fw::nilCheck(band(text, bw, bh)), QPoint(g.x, g.y)};
+}
+
+void Caption::blend(QImage &picture, QPoint at, const QImage &band)
+{
+    const QRect r = QRect(at, band.size()) & picture.rect();
+    for (int y = r.top(); y <= r.bottom(); ++y) {
+        auto *d = reinterpret_cast<quint32 *>(picture.scanLine(y));
+        const auto *s = reinterpret_cast<const quint32 *>(band.constScanLine(y - at.y()));
+        for (int x = r.left(); x <= r.right(); ++x) {
+            const quint32 src = s[x - at.x()], inv = 255 - qAlpha(src);
+            if (inv == 255) continue;
+            const quint32 dst = d[x];
+            // Premultiplied "over": source plus destination times what the source leaves.
+            auto channel = [&](int shift) {
+                quint32 t = ((dst >> shift) & 0xff) * inv + 128;
+                t = (t + (t >> 8)) >> 8;
+                return (((src >> shift) & 0xff) + t) << shift;
+            };
+            d[x] = 0xff000000u | channel(16) | channel(8) | channel(0);
+        }
+    }
+}
+
+void Caption::burnInto(QImage &picture, const QString &text)
+{
+    const Placed p = make(text, picture.size());
+    if (picture.format() != QImage::Format_RGB32) picture = picture.convertToFormat(QImage::Format_RGB32);
+    blend(picture, p.at, p.band);
 }
 
 } // namespace editor

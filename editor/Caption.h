@@ -4,6 +4,8 @@
 
 #include <QFont>
 #include <QImage>
+#include <QPoint>
+#include <QSize>
 #include <QString>
 
 namespace editor {
@@ -20,8 +22,16 @@ public:
     // The band of the given size with the text drawn at x 3, baseline 14, wrapped at width - 4.
     // A null image when the size is not positive.
     static QImage band(const QString &text, int width, int height);
-    // Measures, builds and places the band on the picture. Throws the nil failure when the band
-    // can't be made (a picture 10 pixels wide or less).
+    struct Placed {
+        QImage band;
+        QPoint at;
+    };
+    // Measures and builds the band for a picture of the given size, and places it. Throws the
+    // nil failure when the band can't be made (a picture 10 pixels wide or less).
+    static Placed make(const QString &text, QSize picture);
+    // Lays the band over an RGB32 picture with its top left at `at`, each pixel by itself (so
+    // that any part of a picture gets the same pixels as the whole).
+    static void blend(QImage &picture, QPoint at, const QImage &band);
     static void burnInto(QImage &picture, const QString &text);
 };
 

@@ -3,11 +3,12 @@
 // and (in later files) the output commands. The class is split by concern over several files:
 //   Window1.cpp          creation, control table, window events, close, menu handlers
 //   Window1Loading.cpp   loadimage
-//   Window1Pipeline.cpp  getscaledimage, getoutputimage
+//   Window1Pipeline.cpp  getscaledimage, getoutputimage (editor/ScaledPicture: the picture)
 //   Window1Preview.cpp   the canvas, scrolling and panning
 //   Window1Controls.cpp  slider, scale field, presets, caption
 //   output/…             the toolbar and the output commands
 
+#include "editor/ScaledPicture.h"
 #include "platform/ControlLayout.h"
 #include "platform/Window.h"
 
@@ -43,7 +44,7 @@ public:
     bool holdupdate = false;
     int xdown = 0;
     int ydown = 0;
-    QImage ScaledImage;          // null is nil
+    editor::ScaledPicture ScaledImage; // null is nil
     bool holdlaunchsetting = false;
     QImage mypic;                // the capture, opaque; null is nil
     QByteArray settings;         // the exporter's settings, opaque
@@ -76,7 +77,7 @@ public:
 
     // Methods.
     void loadimage(const QString &scale);
-    QImage getscaledimage();
+    editor::ScaledPicture getscaledimage();
     QImage getoutputimage() const;
     void setscroll();
     void updatevalues();

@@ -14,15 +14,28 @@
 #include <QPainter>
 #include <cmath>
 
-QImage Window1::getscaledimage()
+editor::ScaledPicture Window1::getscaledimage()
 {
     const double factor = editor::scaleFactor(currentscale);
     if (mypic.isNull()) return {};
+    const bool smooth = prefwin::instance().quartz->isChecked();
+    const bool banded = !captionText->isHidden() && !captionText->text().isEmpty();
+
+    if (factor > 1.0) {
+        // Larger than the capture: described, not drawn. The preview renders what it shows and
+        // the outputs the whole, with the same pixels.
+        const QSize size = editor::scaledSize(mypic.size(), factor);
+        editor::Caption::Placed band;
+        if (banded) band = editor::Caption::make(captionText->text(), size);
+        return editor::ScaledPicture::described(
+            mypic, factor, size, smooth ? editor::ScalingPath::Smooth : editor::ScalingPath::Plain,
+            band.band, band.at);
+    }
 
     QImage result;
-    if (prefwin::instance().quartz->isChecked()) {
+    if (smooth) {
         // Smooth: the capture scaled in one pass to a rectangle that keeps its fractions; the
-        // partial last column and row fall outside the result.
+        // partial last column and row fall outside the result. Scaling down averages areas.
         const QRectF rect(0, 0, mypic.width() * factor, mypic.height() * factor);
         const QSize size(editor::toInt(rect.width()), editor::toInt(rect.height()));
         // No picture of a size below one pixel can be made.
@@ -48,9 +61,13 @@ QImage Window1::getscaledimage()
         }
     }
 
-    if (!captionText->isHidden() && !captionText->text().isEmpty())
-        editor::Caption::burnInto(result, captionText->text());
-    return result;
+    if (banded) editor::Caption::burnInto(result, captionText->text());
+    return editor::ScaledPicture::fromPixels(result);
 }
 
-QImage Window1::getoutputimage() const { return ScaledImage; }
+QImage Window1::getoutputimage() const
+{
+    if (ScaledImage.isNull()) return {};
+    // The whole picture of a large scale is made here; one that can't be held is a nil picture.
+    return fw::nilCheck(ScaledImage.toImage());
+}

@@ -17,7 +17,7 @@ void Window1::Canvas1_Paint(QPainter &g, int width, int height)
     if (ScaledImage.isNull()) return;
     const editor::PaintPlacement pl = editor::paintPlacement(
         ScaledImage.size(), QSize(width, height), ScrollBarH->value(), ScrollBarV->value());
-    g.drawImage(pl.destination, ScaledImage, QRect(pl.source, pl.destination.size()));
+    ScaledImage.draw(g, pl.destination.topLeft(), QRect(pl.source, pl.destination.size()));
 }
 
 bool Window1::pannable() const { return ScrollBarH->maximum() > 0 || ScrollBarV->maximum() > 0; }

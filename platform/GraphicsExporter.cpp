@@ -5,6 +5,7 @@
 
 #include <QBuffer>
 #include <QImageWriter>
+#include <QtEndian>
 
 namespace fw {
 
@@ -59,8 +60,57 @@ namespace {
 // that gives each zlib level.
 int qtPngCompression(int zlibLevel) { return (zlibLevel * 91 + 8) / 9; }
 
-// 72 dots per inch, which readers show as the picture's print size.
-constexpr int kDotsPerMeter = 2835;
+// 72 dots per inch, which readers show as the picture's print size. Qt's writers take the
+// resolution only from the picture, and setting it there copies the whole picture (5-40 ms at
+// 4K), so it is written into the file's header instead.
+constexpr quint32 kDotsPerInch = 72, kDotsPerMeter = 2835;
+
+quint32 crc32(const char *data, int len)
+{
+    quint32 c = 0xffffffffu;
+    for (int i = 0; i < len; ++i) {
+        c ^= quint8(data[i]);
+        for (int k = 0; k < 8; ++k) c = (c >> 1) ^ (0xedb88320u & (0u - (c & 1u)));
+    }
+    return ~c;
+}
+
+void putBigEndian(QByteArray &b, int at, quint32 v, int bytes)
+{
+    for (int i = 0; i < bytes; ++i) b[at + i] = char(v >> (8 * (bytes - 1 - i)));
+}
+
+void stampResolution(QByteArray &file, ExportFormat f)
+{
+    if (f == ExportFormat::JPEG && file.size() > 18 && file.mid(6, 5) == QByteArray("JFIF", 5)) {
+        file[13] = 1; // dots per inch
+        putBigEndian(file, 14, kDotsPerInch, 2);
+        putBigEndian(file, 16, kDotsPerInch, 2);
+    } else if (f == ExportFormat::BMP && file.size() > 46) {
+        for (int at : {38, 42})
+            for (int i = 0; i < 4; ++i) file[at + i] = char(kDotsPerMeter >> (8 * i));
+    } else if (f == ExportFormat::PNG && file.size() > 33 && file.mid(12, 4) == "IHDR") {
+        QByteArray chunk(21, '\0'); // length, "pHYs", x, y, unit (metre), CRC
+        putBigEndian(chunk, 0, 9, 4);
+        chunk.replace(4, 4, "pHYs");
+        putBigEndian(chunk, 8, kDotsPerMeter, 4);
+        putBigEndian(chunk, 12, kDotsPerMeter, 4);
+        chunk[16] = 1;
+        putBigEndian(chunk, 17, crc32(chunk.constData() + 4, 13), 4);
+        // Qt writes one from the picture's own resolution: replace it, or add one after the
+        // header chunk.
+        for (qsizetype at = 8; at + 12 <= file.size();) {
+            const quint32 len = qFromBigEndian<quint32>(file.constData() + at);
+            if (file.mid(at + 4, 4) == "pHYs" && len == 9) {
+                file.replace(at, 21, chunk);
+                return;
+            }
+            if (file.mid(at + 4, 4) == "IDAT") break;
+            at += 12 + qsizetype(len);
+        }
+        file.insert(33, chunk);
+    }
+}
 
 } // namespace
 
@@ -78,9 +128,7 @@ QByteArray GraphicsExporter::encode(const QImage &picture) const
     QByteArray out;
     QBuffer buf(&out);
     buf.open(QIODevice::WriteOnly);
-    QImage rgb = picture.convertToFormat(QImage::Format_RGB32);
-    rgb.setDotsPerMeterX(kDotsPerMeter);
-    rgb.setDotsPerMeterY(kDotsPerMeter);
+    const QImage rgb = picture.convertToFormat(QImage::Format_RGB32);
     QImageWriter w(&buf, m_format == ExportFormat::JPEG ? "jpeg" : m_format == ExportFormat::PNG ? "png" : "bmp");
     if (m_format == ExportFormat::JPEG) {
         w.setQuality(m_settings.jpegQuality);
@@ -89,7 +137,9 @@ QByteArray GraphicsExporter::encode(const QImage &picture) const
     } else if (m_format == ExportFormat::PNG) {
         w.setCompression(qtPngCompression(m_settings.pngCompression));
     }
-    return w.write(rgb) ? out : QByteArray();
+    if (!w.write(rgb)) return {};
+    stampResolution(out, m_format);
+    return out;
 }
 
 QByteArray GraphicsExporter::encodeCached(const QImage &picture)

@@ -43,7 +43,7 @@ private slots:
         Window1 &w = Window1::instance();
         QVERIFY(w.isVisible());
         QCOMPARE(w.mypic.size(), pic.size());
-        QCOMPARE(w.ScaledImage.convertToFormat(QImage::Format_RGB32), pic);
+        QCOMPARE(w.getoutputimage().convertToFormat(QImage::Format_RGB32), pic);
         QCOMPARE(recentwin::instance().recentimages.size(), 1);
         QCOMPARE(w.scaleField->text(), QString("100"));
         QCOMPARE(t.app->process, QString("LoadTypeMenu"));

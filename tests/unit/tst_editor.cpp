@@ -3,12 +3,14 @@
 #include "TestSupport.h"
 
 #include "editor/Caption.h"
+#include "editor/EditorMath.h"
 #include "editor/Window1.h"
 #include "platform/Canvas.h"
 #include "prefs/prefwin.h"
 #include "recent/recentwin.h"
 
 #include <QCheckBox>
+#include <QClipboard>
 #include <QLineEdit>
 #include <QMenu>
 #include <QScrollBar>
@@ -64,13 +66,13 @@ private slots:
         Window1 &w = loaded(t, patternImage(source.width(), source.height()));
         prefwin::instance().quartz->setChecked(quartz);
         w.currentscale = scale;
-        const QImage a = w.getscaledimage();
+        const QImage a = w.getscaledimage().toImage();
         QCOMPARE(a.size(), expected);
-        QImage b = w.getscaledimage();
+        QImage b = w.getscaledimage().toImage();
         QCOMPARE(a, b);
         b.fill(Qt::red); // each call gives a picture of its own
         QVERIFY(a != b);
-        QCOMPARE(a, w.getscaledimage());
+        QCOMPARE(a, w.getscaledimage().toImage());
     }
 
     void pipeline_atFullScaleIsThePictureOnBothPaths_andPathsDifferWhenScaling()
@@ -82,17 +84,18 @@ private slots:
         w.currentscale = 100;
         for (bool q : {false, true}) {
             quartz->setChecked(q);
-            QCOMPARE(w.getscaledimage().convertToFormat(QImage::Format_RGB32), pic);
+            QCOMPARE(w.getscaledimage().toImage().convertToFormat(QImage::Format_RGB32), pic);
         }
         w.currentscale = 150;
         quartz->setChecked(false);
-        const QImage plain = w.getscaledimage();
+        const QImage plain = w.getscaledimage().toImage();
         quartz->setChecked(true);
-        const QImage smooth = w.getscaledimage();
+        const QImage smooth = w.getscaledimage().toImage();
         QCOMPARE(plain.size(), smooth.size());
         QVERIFY(plain != smooth);
         // The plain path repeats source pixels: every scaled pixel is one of the picture's.
-        QCOMPARE(plain.pixel(1, 1), pic.pixel(0, 0));
+        QCOMPARE(plain.pixel(0, 0), pic.pixel(0, 0));
+        QCOMPARE(plain.pixel(2, 2), pic.pixel(1, 1));
     }
 
     void quartzToggle_rebuildsTheCurrentPicture()
@@ -100,9 +103,9 @@ private slots:
         TestProgram t;
         Window1 &w = loaded(t, patternImage(120, 90));
         w.scaleField->setText("150");
-        const QImage before = w.ScaledImage;
+        const QImage before = w.getoutputimage();
         prefwin::instance().quartz->setChecked(!prefwin::instance().quartz->isChecked());
-        QVERIFY(w.ScaledImage != before);
+        QVERIFY(w.getoutputimage() != before);
         QCOMPARE(w.ScaledImage.size(), before.size());
     }
 
@@ -123,9 +126,9 @@ private slots:
         QFETCH(QString, caption);
         TestProgram t;
         Window1 &w = loaded(t, patternImage(picture.width(), picture.height()));
-        const QImage plain = w.ScaledImage;
+        const QImage plain = w.getoutputimage();
         w.captionText->setText(caption);
-        const QImage banded = w.ScaledImage;
+        const QImage banded = w.getoutputimage();
         QCOMPARE(banded.size(), plain.size());
 
         const int W = picture.width();
@@ -142,7 +145,7 @@ private slots:
         if (band.bottom() >= 0) QVERIFY(banded.copy(band.intersected(banded.rect())) != plain.copy(band.intersected(plain.rect())));
         // Emptying the caption removes the band at once.
         w.captionText->setText(QString());
-        QCOMPARE(w.ScaledImage, plain);
+        QCOMPARE(w.getoutputimage(), plain);
     }
 
     void caption_onAPictureTenWideFails()
@@ -166,16 +169,47 @@ private slots:
         QCOMPARE(w.ScrollBarH->value(), h / 3);
     }
 
-    void preview_scrolledShowsTheScrolledPart()
+    // On either path and at any scale, what the preview shows at any scroll position is exactly
+    // that part of the picture the outputs get.
+    void preview_showsExactlyWhatTheOutputsGet_data()
     {
+        QTest::addColumn<bool>("smooth");
+        QTest::addColumn<int>("scale");
+        QTest::addColumn<QString>("caption");
+        for (bool smooth : {true, false})
+            for (int scale : {10, 50, 99, 100, 101, 150, 200, 1000})
+                for (const char *caption : {"", "A caption"})
+                    QTest::addRow("%s %d%%%s", smooth ? "smooth" : "plain", scale, *caption ? " captioned" : "")
+                        << smooth << scale << QString(caption);
+    }
+    void preview_showsExactlyWhatTheOutputsGet()
+    {
+        QFETCH(bool, smooth);
+        QFETCH(int, scale);
+        QFETCH(QString, caption);
         TestProgram t;
-        const QImage pic = patternImage(900, 700);
-        Window1 &w = loaded(t, pic);
-        w.ScrollBarH->setValue(37);
-        w.ScrollBarV->setValue(11);
-        const QImage shot = w.Canvas1->grab().toImage().convertToFormat(QImage::Format_RGB32);
-        QCOMPARE(shot.pixel(1, 1), pic.pixel(37, 11));
-        QCOMPARE(shot.pixel(50, 60), pic.pixel(37 + 49, 11 + 59));
+        Window1 &w = loaded(t, patternImage(300, 200));
+        prefwin::instance().quartz->setChecked(smooth);
+        w.captionText->setText(caption);
+        w.scaleField->setText(QString::number(scale));
+        const QImage whole = w.getoutputimage().convertToFormat(QImage::Format_RGB32);
+        QCOMPARE(whole.size(), QSize(300 * scale / 100, 200 * scale / 100));
+        for (double at : {0.0, 0.37, 1.0}) {
+            w.ScrollBarH->setValue(int(w.ScrollBarH->maximum() * at));
+            w.ScrollBarV->setValue(int(w.ScrollBarV->maximum() * at));
+            const QImage shot = w.Canvas1->grab().toImage().convertToFormat(QImage::Format_RGB32);
+            // The part of the picture on the canvas, and where it lands.
+            const editor::PaintPlacement pl = editor::paintPlacement(
+                whole.size(), shot.size(), w.ScrollBarH->value(), w.ScrollBarV->value());
+            const QRect part = QRect(pl.source, pl.destination.size()) & whole.rect();
+            const QRect onCanvas = QRect(pl.destination.topLeft() + part.topLeft() - pl.source, part.size()) & shot.rect();
+            QVERIFY(!onCanvas.isEmpty());
+            QCOMPARE(shot.copy(onCanvas), whole.copy(onCanvas.translated(pl.source - pl.destination.topLeft())));
+        }
+        if (scale == 200 && smooth && !caption.isEmpty()) {
+            w.ToolbarItem1_Action(); // Copy takes the whole picture
+            QCOMPARE(QGuiApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32), whole);
+        }
     }
 
     void pan_movesTheViewWithTheHandAndResumesAtOnce()

@@ -531,7 +531,7 @@ private slots:
         w.ToolbarItem1_Action();
         QVERIFY(w.isVisible());
         const QImage clip = QGuiApplication::clipboard()->image();
-        QCOMPARE(clip.convertToFormat(QImage::Format_RGB32), w.ScaledImage.convertToFormat(QImage::Format_RGB32));
+        QCOMPARE(clip.convertToFormat(QImage::Format_RGB32), w.getoutputimage().convertToFormat(QImage::Format_RGB32));
         QCOMPARE(stored(t, PrefKeys::Settings)->toString(), QString::fromUtf8(w.settings));
         QCOMPARE(stored(t, PrefKeys::LastScale)->toString(), QString("50"));
         t.shiftDown = false;
