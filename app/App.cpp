@@ -38,7 +38,7 @@ void App::_Startup()
 
 void App::showTrayIconUnlessHidden()
 {
-    if (isDockIconHidden()) return;
+    if (isDockIconHiddenAtLaunch()) return;
     m_tray = std::make_unique<fw::TrayIcon>(*this, services().bundle.resources() + "/Vantrel.svg");
 }
 

@@ -6,6 +6,7 @@
 #include "prefs/Preferences.h"
 
 #include <QApplication>
+#include <QIcon>
 
 int main(int argc, char **argv)
 {
@@ -16,6 +17,10 @@ int main(int argc, char **argv)
     QApplication::setQuitOnLastWindowClosed(false);
 
     auto services = fw::Services::forThisMachine();
+    // Taskbars group the windows under the launcher's name and icon.
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.Morlane.Vantrel"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("com.Morlane.Vantrel"),
+                                                 QIcon(services->bundle.resources() + "/Vantrel.svg")));
     Preferences preferences(services->preferenceDomains);
     App app(*services);
     preferences.msgBox = [&app](const QString &text) { app.MsgBox(text); };

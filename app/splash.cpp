@@ -48,7 +48,7 @@ splash::splash(fw::Services &services, fw::WindowRegistry &registry) : fw::Windo
     StaticText2->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     StaticText2->setWordWrap(true);
     // Below the window's edge: part of the window, never on view.
-    StaticText4 = new QLabel(QStringLiteral("Press Shift-Apple-2 to snap a shot!"), this);
+    StaticText4 = new QLabel(QStringLiteral("Press Shift-Ctrl-2 to snap a shot!"), this);
     StaticText4->setGeometry(20, 205, 345, 20);
     StaticText4->setFont(bold);
     Timer2 = new QTimer(this);

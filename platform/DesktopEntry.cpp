@@ -114,4 +114,13 @@ QString applicationEntry(const QString &name, const QStringList &argv, const QSt
         .arg(escapeString(name), escapeString(comment), execValue(argv));
 }
 
+QString loginEntry(const QString &displayName, const QString &itemName, const QStringList &argv,
+                   const QString &iconPath)
+{
+    return QStringLiteral("[Desktop Entry]\nType=Application\nName=%1\nComment=%2\nExec=%3\nIcon=%4\n"
+                          "Terminal=false\nX-GNOME-Autostart-enabled=true\nX-Vantrel-Item-Name=%5\n")
+        .arg(escapeString(displayName), QStringLiteral("Screen capture"), execValue(argv),
+             escapeString(iconPath), escapeString(itemName));
+}
+
 } // namespace fw::desktopentry

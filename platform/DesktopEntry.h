@@ -21,5 +21,8 @@ QString unescaped(const QString &raw);
 
 // A whole entry that starts a program.
 QString applicationEntry(const QString &name, const QStringList &argv, const QString &comment);
+// A login item: shown as displayName with its icon, known to the login-item walk as itemName.
+QString loginEntry(const QString &displayName, const QString &itemName, const QStringList &argv,
+                   const QString &iconPath);
 
 } // namespace fw::desktopentry

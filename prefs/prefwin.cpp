@@ -38,11 +38,12 @@ prefwin::prefwin(fw::Services &services, fw::WindowRegistry &registry)
     place(PushButton1, 144, 179, 69, 20);
     CheckBox1 = new QCheckBox(QStringLiteral("Launch at Login"), this);
     place(CheckBox1, 20, 14, 158, 19);
-    quartz = new QCheckBox(QStringLiteral("Use Quartz Scaling"), this);
+    quartz = new QCheckBox(QStringLiteral("Smooth Scaling"), this);
     quartz->setObjectName(QStringLiteral("quartz"));
     place(quartz, 155, 14, 158, 19);
     emaildefault = new QComboBox(this);
-    emaildefault->addItems({"Apple Mail", "Eudora", "Entourage"});
+    // The rows start the desktop's own mail program, Thunderbird and Evolution.
+    emaildefault->addItems({"Default Mailer", "Thunderbird", "Evolution"});
     place(emaildefault, 135, 79, 112, 20);
     StaticText1 = new QLabel(QStringLiteral("Send email using:"), this);
     place(StaticText1, 20, 77, 117, 20);
@@ -62,7 +63,7 @@ prefwin::prefwin(fw::Services &services, fw::WindowRegistry &registry)
     place(savefolder, 135, 143, 120, 20);
     PushButton3 = new QPushButton(QStringLiteral("Select"), this);
     place(PushButton3, 259, 143, 80, 20);
-    CheckBox2 = new QCheckBox(QStringLiteral("Hide Dock Icon"), this);
+    CheckBox2 = new QCheckBox(QStringLiteral("Hide Tray Icon"), this);
     place(CheckBox2, 20, 45, 185, 20);
     StaticText1->setBuddy(emaildefault);
     StaticText2->setBuddy(PopupMenu1);

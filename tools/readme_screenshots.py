@@ -13,6 +13,8 @@ def main(bundle, out):
     x = Xvfb(1280, 1024)
     s = Session(os.path.abspath(bundle), x)
     try:
+        # A desktop's colour behind the windows, not the bare server's black.
+        s.run("xsetroot", "-solid", "#5a7896")
         shot = os.path.join(s.tmp, "desk.png")
         s.run("convert", "-size", "640x360", "gradient:#2d5f9a-#e9f1fb", "-fill", "#f2b632",
               "-draw", "circle 480,110 480,150", "-fill", "#5b9bd5",

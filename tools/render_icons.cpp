@@ -1,6 +1,8 @@
 // Renders an SVG into the two pictures a toolbar item is made of: the picture on white, and its
-// mask (black where the picture is opaque, white where it is transparent).
+// mask (black where the picture is opaque, white where it is transparent); or, given one output,
+// into a picture with its transparency (for the icon theme).
 //   render_icons SVG SIZE PICTURE.png MASK.png
+//   render_icons SVG SIZE ICON.png
 
 #include <QGuiApplication>
 #include <QImage>
@@ -10,8 +12,8 @@
 
 int main(int argc, char **argv)
 {
-    if (argc != 5) {
-        std::fprintf(stderr, "usage: render_icons SVG SIZE PICTURE MASK\n");
+    if (argc != 5 && argc != 4) {
+        std::fprintf(stderr, "usage: render_icons SVG SIZE PICTURE [MASK]\n");
         return 2;
     }
     qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -26,6 +28,7 @@ int main(int argc, char **argv)
         p.setRenderHint(QPainter::Antialiasing);
         svg.render(&p);
     }
+    if (argc == 4) return rgba.save(QString::fromLocal8Bit(argv[3])) ? 0 : 1;
     QImage picture(size, size, QImage::Format_RGB32), mask(size, size, QImage::Format_RGB32);
     for (int y = 0; y < size; ++y)
         for (int x = 0; x < size; ++x) {

@@ -88,8 +88,8 @@ class Session:
             return []
 
     # --- the program -----------------------------------------------------------------------
-    def start(self, wait_splash=True):
-        exe = os.path.join(self.bundle, "Contents", "MacOS", "Vantrel")
+    def start(self, wait_splash=True, exe=None):
+        exe = exe or os.path.join(self.bundle, "Contents", "MacOS", "Vantrel")
         self.logf = open(self.log, "w")
         self.proc = subprocess.Popen([exe], env=self.env, stdout=self.logf, cwd=self.home,
                                      stderr=subprocess.STDOUT, stdin=DEVNULL)

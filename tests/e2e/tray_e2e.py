@@ -85,7 +85,7 @@ class TrayTest(E2ETestCase):
         s.click(px + 30, py + 23)
         self.assertTrue(wait_for(lambda: self.autostart_entries() == []))
 
-        # "Hide Dock Icon" (20,45): the bundle says so; the icon stays for this run.
+        # "Hide Tray Icon" (20,45): the bundle says so; the icon stays for this run.
         s.click(px + 30, py + 55)
         self.assertTrue(wait_for(lambda: "<key>LSUIElement</key>\n\t<integer>1</integer>"
                                  in self.info_plist()))

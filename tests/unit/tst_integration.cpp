@@ -18,12 +18,17 @@
 #include <QPushButton>
 #include <QtTest>
 #include <plist/plist.h>
+#include <QProcess>
+#include <QScopeGuard>
+#include <csignal>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
 
 struct Entry {
     QString file, name, program;
+    QString extra = {}; // more lines, e.g. a desktop's switch
 };
 
 void writeEntry(const QString &folder, const Entry &e)
@@ -31,10 +36,13 @@ void writeEntry(const QString &folder, const Entry &e)
     QDir().mkpath(folder);
     QFile f(folder + "/" + e.file);
     f.open(QIODevice::WriteOnly);
-    f.write(fw::desktopentry::applicationEntry(e.name, {e.program}, "test").toUtf8());
+    QString text = fw::desktopentry::applicationEntry(e.name, {e.program}, "test");
+    if (e.extra.startsWith("X-GNOME")) text.remove("X-GNOME-Autostart-enabled=true\n");
+    f.write((text + e.extra).toUtf8());
 }
 
-// "file|name|launched path" for each entry in list order.
+// "file|name|launched path" for each login item in list order, then "file|off" for each entry
+// that the desktop switched off (and any other file of the folder).
 QStringList describe(const QString &folder)
 {
     QStringList out;
@@ -43,6 +51,8 @@ QStringList describe(const QString &folder)
     for (int i = 0; i < files.size(); ++i)
         out << QFileInfo(files[i]).fileName() + "|" + items.OldLoginItemPropertyAtIndex(2, i, false) +
                    "|" + items.OldLoginItemPropertyAtIndex(1, i, false);
+    for (const QFileInfo &f : QDir(folder).entryInfoList(QDir::Files | QDir::Hidden, QDir::Name))
+        if (!files.contains(f.absoluteFilePath())) out << f.fileName() + "|off";
     return out;
 }
 
@@ -121,6 +131,15 @@ private slots:
                                               << QStringList{"v.desktop|VANTREL.APP|BIG"};
         QTest::newRow("case is ignored: on finds it") << otherCase << "on" << false
                                                       << QStringList{"v.desktop|VANTREL.APP|BIG"};
+        // A desktop's "off" switch: the entry is no login item, and "on" switches it on again
+        // instead of adding a second.
+        for (const char *off : {"Hidden=true", "X-GNOME-Autostart-enabled=false"}) {
+            const QList<Entry> offEntry = {{"Vantrel.desktop", "Vantrel.app", exe, QString(off) + "\n"}};
+            const QStringList stays{"Vantrel.desktop|off"};
+            QTest::addRow("switched off (%s): get is false", off) << offEntry << "get" << false << stays;
+            QTest::addRow("switched off (%s): on switches it on", off) << offEntry << "on" << false << QStringList{ours};
+            QTest::addRow("switched off (%s): off leaves it", off) << offEntry << "off" << false << stays;
+        }
         const QList<Entry> mixed = {{"mail.desktop", "Mail", "/usr/bin/mail-client"},
                                     {"v.desktop", "Vantrel.app", exe}};
         QTest::newRow("off takes only ours") << mixed << "off" << false
@@ -156,15 +175,66 @@ private slots:
         QCOMPARE(describe(folder), expected);
     }
 
-    void loginWalk_aBundlePathWithOddCharactersComesBackIntact()
+    // Our entry is one that desktops agree with: it validates, and GLib's launcher and dex both
+    // start the program from it, wherever the bundle lies; off leaves nothing behind.
+    void loginItem_startsUnderEveryLauncher_data()
+    {
+        QTest::addColumn<QString>("folder");
+        QTest::newRow("plain") << "Apps";
+        QTest::newRow("blanks, a leading blank, non-ASCII") << " My Apps/zoë";
+        QTest::newRow("percent and dollar") << "100% $HOME";
+        QTest::newRow("quotes, backquote, backslash") << "it's \"odd\" `x` back\\slash";
+    }
+    void loginItem_startsUnderEveryLauncher()
+    {
+        QFETCH(QString, folder);
+        QTemporaryDir dir;
+        const QString bundle = dir.path() + "/" + folder + "/Vantrel.app";
+        const QString program = bundle + "/Contents/MacOS/Vantrel", marker = dir.path() + "/started";
+        QDir().mkpath(bundle + "/Contents/MacOS");
+        QFile fake(program); // stands in for the program: says how it was started
+        QVERIFY(fake.open(QIODevice::WriteOnly));
+        fake.write(QString("#!/bin/sh\nprintf '%s' \"$0\" > '%1'\n").arg(marker).toUtf8());
+        fake.close();
+        fake.setPermissions(fake.permissions() | QFile::ExeOwner);
+        const QString autostart = dir.path() + "/config/autostart";
+        loginitems::setLaunchAtLogin(true, bundle, autostart);
+        QVERIFY(loginitems::getLaunchAtLogin(bundle, autostart));
+        const QString entry = autostart + "/Vantrel.desktop";
+        QVERIFY(QFile::exists(entry));
+        QProcess validate;
+        validate.start("desktop-file-validate", {entry});
+        validate.waitForFinished();
+        QVERIFY2(validate.exitCode() == 0 && validate.readAllStandardOutput().isEmpty(), qPrintable(readAll(entry)));
+        for (const QStringList &launcher : {QStringList{"gio", "launch", entry}, QStringList{"dex", entry}}) {
+            QFile::remove(marker);
+            QProcess::execute(launcher.first(), launcher.mid(1));
+            QTRY_VERIFY2_WITH_TIMEOUT(QFile::exists(marker), qPrintable(launcher.first()), 5000);
+            QCOMPARE(QFileInfo(QString::fromUtf8(readAll(marker))).canonicalFilePath(), QFileInfo(program).canonicalFilePath());
+        }
+        loginitems::setLaunchAtLogin(false, bundle, autostart);
+        QVERIFY(describe(autostart).isEmpty());
+        QVERIFY(!QFileInfo::exists(dir.path() + "/config/Vantrel/login-items") ||
+                QDir(dir.path() + "/config/Vantrel/login-items").isEmpty());
+    }
+
+    // A disk too full for the entry: on leaves no file at all, empty or half written.
+    void loginItem_aFullDiskLeavesNoEntry()
     {
         QTemporaryDir dir;
-        const QString bundle = dir.path() + "/My \"Apps\" $1 100%/Vantrel.app";
-        const QString folder = dir.path() + "/autostart";
-        loginitems::setLaunchAtLogin(true, bundle, folder);
-        QVERIFY(loginitems::getLaunchAtLogin(bundle, folder));
-        loginitems::setLaunchAtLogin(false, bundle, folder);
-        QVERIFY(describe(folder).isEmpty());
+        const QString autostart = dir.path() + "/autostart";
+        const QString bundle = dir.path() + "/Vantrel.app";
+        struct rlimit old = {};
+        ::getrlimit(RLIMIT_FSIZE, &old);
+        const auto restore = qScopeGuard([&] { ::setrlimit(RLIMIT_FSIZE, &old); });
+        ::signal(SIGXFSZ, SIG_IGN);
+        struct rlimit tiny = {16, old.rlim_max}; // no file may grow past 16 bytes
+        ::setrlimit(RLIMIT_FSIZE, &tiny);
+        loginitems::setLaunchAtLogin(true, bundle, autostart);
+        ::setrlimit(RLIMIT_FSIZE, &old);
+        QCOMPARE(QDir(autostart).entryList(QDir::Files | QDir::Hidden), QStringList{});
+        loginitems::setLaunchAtLogin(true, bundle, autostart); // room again
+        QCOMPARE(describe(autostart).size(), 1);
     }
 
     // --- the bundle's property list ----------------------------------------------------------
@@ -172,12 +242,17 @@ private slots:
     void dockFlag_readAndWrite_data()
     {
         QTest::addColumn<QByteArray>("body");   // inside <dict>
-        QTest::addColumn<QString>("action");    // "read", "hide", "show"
+        QTest::addColumn<QString>("action");    // "read", "launch", "hide", "show"
         QTest::addColumn<QString>("expected");  // "true"/"false"/"raises" for read; stored value after write
         QTest::newRow("no key reads false") << QByteArray() << "read" << "false";
         QTest::newRow("1 reads true") << QByteArray("<key>LSUIElement</key><integer>1</integer>") << "read" << "true";
         QTest::newRow("2 reads false") << QByteArray("<key>LSUIElement</key><integer>2</integer>") << "read" << "false";
         QTest::newRow("a string raises") << QByteArray("<key>LSUIElement</key><string>1</string>") << "read" << "raises";
+        // At launch no type of value stops the program: numbers, booleans and texts all count.
+        QTest::newRow("launch: a string 1") << QByteArray("<key>LSUIElement</key><string>1</string>") << "launch" << "true";
+        QTest::newRow("launch: true") << QByteArray("<key>LSUIElement</key><true/>") << "launch" << "true";
+        QTest::newRow("launch: false") << QByteArray("<key>LSUIElement</key><false/>") << "launch" << "false";
+        QTest::newRow("launch: a date") << QByteArray("<key>LSUIElement</key><date>2026-01-01T00:00:00Z</date>") << "launch" << "false";
         QTest::newRow("no key, show writes 0") << QByteArray() << "show" << "0";
         QTest::newRow("hide writes 1") << QByteArray() << "hide" << "1";
         QTest::newRow("a string is replaced") << QByteArray("<key>LSUIElement</key><string>x</string>") << "hide" << "1";
@@ -195,6 +270,10 @@ private slots:
         f.write("<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>CFBundleName</key>"
                 "<string>Vantrel</string>" + body + "</dict></plist>");
         f.close();
+        if (action == "launch") {
+            QCOMPARE(dockicon::hiddenAtLaunch(bundle), expected == "true");
+            return;
+        }
         if (action == "read") {
             if (expected == "raises") {
                 QVERIFY_THROWS_EXCEPTION(fw::IllegalCastException, dockicon::isHidden(bundle));
@@ -267,20 +346,34 @@ private slots:
         QCOMPARE(readAll(dir.path() + "/Bad.app/Contents/Info.plist"), QByteArray("garbage"));
     }
 
-    void dockFlag_aReadOnlyBundleIsLeftAsItIs()
+    // An installed bundle the user can't write keeps its file; the user's own copy takes the
+    // change, and the flag reads back as set.
+    void dockFlag_aReadOnlyBundleIsLeftAsItIs_andTheUsersCopyTakesTheChange()
     {
-        if (::geteuid() == 0) QSKIP("root writes through read-only permissions");
         QTemporaryDir dir;
-        const QString bundle = dir.path() + "/Vantrel.app";
+        const QString bundle = dir.path() + "/Vantrel.app", config = dir.path() + "/config";
         QDir().mkpath(bundle + "/Contents");
+        QDir().mkpath(config);
         QFile f(bundle + "/Contents/Info.plist");
         f.open(QIODevice::WriteOnly);
         f.write("<plist><dict/></plist>");
         f.close();
-        QFile::setPermissions(bundle + "/Contents", QFile::ReadOwner | QFile::ExeOwner);
+        QFile::setPermissions(bundle + "/Contents", QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther | QFile::ExeOther);
+        QFile::setPermissions(dir.path(), QFile::Permissions(0x7777));
+        QFile::setPermissions(config, QFile::Permissions(0x7777));
+        qputenv("XDG_CONFIG_HOME", config.toUtf8());
+        // Root writes through permissions: act as an ordinary user for the while.
+        const uid_t was = ::geteuid();
+        if (was == 0) QVERIFY(::setegid(65534) == 0 && ::seteuid(65534) == 0);
         dockicon::setHidden(bundle, true);
+        const bool hidden = dockicon::isHidden(bundle), atLaunch = dockicon::hiddenAtLaunch(bundle);
+        if (was == 0) QVERIFY(::seteuid(0) == 0 && ::setegid(0) == 0);
+        qunsetenv("XDG_CONFIG_HOME");
         QFile::setPermissions(bundle + "/Contents", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         QCOMPARE(readAll(bundle + "/Contents/Info.plist"), QByteArray("<plist><dict/></plist>"));
+        QVERIFY(hidden);
+        QVERIFY(atLaunch);
+        QCOMPARE(QDir(config + "/Vantrel").entryList(QDir::Files).size(), 1);
     }
 
     // --- the preferences window --------------------------------------------------------------
