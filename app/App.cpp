@@ -90,6 +90,12 @@ bool App::_FilePreferences_Action()
 void App::gotofront()
 {
     // Bring our front window forward; without a window manager this also gives it the focus.
+    // The editor comes first: it is what a capture just showed, whatever else is open.
+    if (fw::Window *editor = windows().existing<Window1>(); editor && editor->isVisible()) {
+        editor->raise();
+        editor->activateWindow();
+        return;
+    }
     if (QWidget *w = QApplication::activeWindow()) {
         w->raise();
         w->activateWindow();

@@ -3,6 +3,7 @@
 #include "platform/Application.h"
 
 #include <QAction>
+#include <QShortcut>
 #include <QMenu>
 #include <QApplication>
 #include <QClipboard>
@@ -90,14 +91,25 @@ QMenuBar *MenuBar1::buildBar(fw::Application &app, QWidget *parent)
         QAction *a = menu->addAction(it.text);
         a->setObjectName(it.name);
         if (!it.shortcut.isEmpty()) a->setShortcut(QKeySequence(toQtShortcut(it.shortcut)));
-        // One menu bar serves every window of the program: Quit works from any of them.
-        if (it.name == "FileQuit") a->setShortcutContext(Qt::ApplicationShortcut);
+        // The bar's shortcuts serve its window; the other windows carry Quit's themselves
+        // (addQuitShortcut). A shortcut of the whole application would not fire while the
+        // editor, which holds the bar, is hidden.
         const QString name = it.name;
         QObject::connect(a, &QAction::triggered, &app, [&app, name] {
             if (!app.dispatchMenuCommand(name)) textFieldCommand(name);
         });
     }
     return bar;
+}
+
+void MenuBar1::addQuitShortcut(fw::Application &app, QWidget *window)
+{
+    for (const MenuItemSpec &it : items()) {
+        if (it.name != "FileQuit") continue;
+        auto *shortcut = new QShortcut(QKeySequence(toQtShortcut(it.shortcut)), window);
+        QObject::connect(shortcut, &QShortcut::activated, &app,
+                         [&app] { app.dispatchMenuCommand(QStringLiteral("FileQuit")); });
+    }
 }
 
 QAction *MenuBar1::find(QMenuBar *bar, const QString &name)

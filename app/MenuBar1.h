@@ -35,4 +35,7 @@ public:
     static bool isAvailable(fw::Application &app, const QString &name);
     // The item of that name in a built bar, or nullptr (so an unknown name gives nil).
     static QAction *find(QMenuBar *bar, const QString &name);
+    // Quit's shortcut on a window without the bar, so that Quit works from the keyboard in
+    // whatever window is in front, the editor hidden or not.
+    static void addQuitShortcut(fw::Application &app, QWidget *window);
 };

@@ -26,5 +26,9 @@ int main(int argc, char **argv)
     preferences.msgBox = [&app](const QString &text) { app.MsgBox(text); };
     app.showSplash = [&app] { app.showTheSplash(); };
     app._Startup();
-    return QApplication::exec();
+    // A quit during start-up (a signal, the tray's Quit during the splash) has ended the loops
+    // that ran then; it must not be forgotten by a loop that starts afterwards.
+    const int code = app.quitRequested() ? 0 : QApplication::exec();
+    app.finish();
+    return code;
 }

@@ -3,13 +3,17 @@
 #include "capture/CGImage.h"
 #include "capture/CaptureCommand.h"
 #include "editor/Window1.h"
+#include "platform/Application.h"
 #include "platform/Clipboard.h"
 #include "platform/Failure.h"
 #include "platform/HotKeyService.h"
 #include "platform/Services.h"
 #include "recent/recentwin.h"
 
+#include <QApplication>
 #include <QPainter>
+#include <QScopeGuard>
+#include <QWidget>
 
 quint32 captureSignature() { return fw::OSTypeFromString("sccp"); }
 
@@ -30,15 +34,27 @@ void keytrigger::Listen()
 void keytrigger::Event_HotKeyPressed(quint32 hotkeysignature, int)
 {
     if (hotkeysignature != captureSignature()) return;
+    // The blocking command keeps a capture from starting inside another; so must the clipboard
+    // read, which serves other events while it waits. A capture made behind a modal dialog (a
+    // Save's settings, say) would change what that dialog is about.
+    if (m_capturing || fw::Application::ending()) return;
+    if (QWidget *modal = QApplication::activeModalWidget(); modal && !modal->inherits("splash")) return;
+    m_capturing = true;
+    const auto done = qScopeGuard([this] {
+        m_capturing = false;
+        // Presses made while this one was served were for it: none is served afterwards.
+        m_events.pressesHandledUntilNow();
+    });
     Window1 &w = Window1::instance();
     fw::Services &services = w.services();
 
     fw::Shell shell(*services.commands);
     shell.Mode = 0;
+    const quint32 ownerBefore = fw::Clipboard::owner();
     // The main thread stands still until the user has finished the selection.
     shell.Execute(capture::captureCommandFor(services.osVersionString()));
 
-    fw::Clipboard clipboard;
+    fw::Clipboard clipboard(ownerBefore);
     if (!clipboard.PictureAvailable()) return;
     const QImage p = clipboard.Picture();
     // A picture that can't be decoded fails here, before it could reach the drawer.

@@ -1,6 +1,7 @@
 #pragma once
 // Hears the application's events, among them the hot key, and runs one capture per press:
-// the capture command, the clipboard, the drawer, the editor.
+// the capture command, the clipboard, the drawer, the editor. One capture at a time: a press
+// during a capture, or made while a dialog holds the program (the splash excepted), starts none.
 
 #include <QObject>
 
@@ -19,6 +20,7 @@ public:
 private:
     fw::HotKeyService &m_events;
     bool m_listening = false;
+    bool m_capturing = false;
 };
 
 // The signature every press of our key carries.

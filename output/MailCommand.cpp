@@ -20,6 +20,7 @@ namespace {
 // Runs a stored script of the bundle with its arguments (an argv, never a shell line).
 void runStoredScript(int id, const QStringList &values)
 {
+    if (fw::Application::ending()) return; // no mail program starts while the session ends
     fw::Services &services = App::instance().services();
     const QString script = services.bundle.resources() + "/Scripts/" + QString::number(id);
     services.commands->run(QStringList{script} + values);

@@ -1,6 +1,7 @@
 // The toolbar: Save, Save as, E-Mail, Copy, a flexible space, Recent, Preferences.
 
 #include "editor/Window1.h"
+#include "platform/Application.h"
 
 #include "app/App.h"
 #include "output/ToolbarPictures.h"
@@ -90,15 +91,20 @@ void Window1::ToolbarItem2_Action()
 {
     // Modal on the editor, unlike the menu's Preferences: back here once that window is gone.
     QPointer<prefwin> p = &prefwin::instance();
+    // A dialog of the editor while it is modal on it: window managers keep a window that says
+    // whom it belongs to (WM_TRANSIENT_FOR, which Qt sets for dialogs only) above its owner.
+    p->setWindowFlag(Qt::Dialog, true);
     p->setWindowModality(Qt::WindowModal);
     p->winId();
     if (p->windowHandle() && windowHandle()) p->windowHandle()->setTransientParent(windowHandle());
     p->Show();
     p->raise();
     p->activateWindow();
-    while (p && p->isVisible()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    if (p) {
+    while (p && p->isVisible() && !fw::Application::ending())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    if (p && !fw::Application::ending()) {
         p->setWindowModality(Qt::NonModal);
         if (p->windowHandle()) p->windowHandle()->setTransientParent(nullptr);
+        p->setWindowFlag(Qt::Dialog, false); // the menu's Preferences is a window of its own
     }
 }

@@ -13,6 +13,7 @@ namespace fw {
 
 namespace {
 int g_signalFds[2] = {-1, -1};
+bool g_ending = false;
 
 void onSignal(int)
 {
@@ -23,6 +24,7 @@ void onSignal(int)
 
 Application::Application(Services &services) : m_services(services), m_windows(services)
 {
+    g_ending = false; // one application object a process, but tests make several in turn
     setUnhandledHandler([this](std::exception_ptr e) { Event_UnhandledException(e); });
 }
 
@@ -65,14 +67,25 @@ void Application::Quit(int code)
 
 void Application::systemQuit()
 {
-    m_windows.forceCloseAll();
+    if (g_ending) return;
+    g_ending = true;
     m_quitRequested = true;
     emit quitCompleted(0);
+    // The handlers below on the stack (a Save whose settings dialog is open, the splash) resume
+    // and return; the windows they use stay alive until then.
     QCoreApplication::exit(0);
 }
 
+void Application::finish()
+{
+    if (g_ending) m_windows.forceCloseAll();
+}
+
+bool Application::ending() { return g_ending; }
+
 void Application::MsgBox(const QString &text)
 {
+    if (g_ending) return;
     QMessageBox box(QMessageBox::NoIcon, QStringLiteral("Vantrel"), text, QMessageBox::Ok);
     box.exec();
 }

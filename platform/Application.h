@@ -28,9 +28,14 @@ public:
     // Closes the windows, asking each through Event_CancelClose; a refusal cancels the quit and
     // the program lives on. With every window closed, the event loop ends with `code`.
     void Quit(int code);
-    // A quit the system asks for (SIGTERM, SIGINT, SIGHUP, the session ending): windows close
-    // whatever they answer, and the process ends.
+    // A quit the system asks for (SIGTERM, SIGINT, SIGHUP, the session ending): every event loop
+    // on the stack returns (a dialog's as if cancelled), nothing more is written or started, and
+    // once the stack has unwound the windows close whatever they answer (finish()).
     void systemQuit();
+    // After the event loop: closes what a system quit left open. The caller ends the process.
+    void finish();
+    // Whether the process is ending on the system's word: output commands write nothing then.
+    static bool ending();
 
     // A modal message box with one button.
     virtual void MsgBox(const QString &text);

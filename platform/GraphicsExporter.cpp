@@ -1,5 +1,6 @@
 #include "platform/GraphicsExporter.h"
 
+#include "platform/Application.h"
 #include "platform/AtomicFile.h"
 #include "platform/MagickWriter.h"
 
@@ -152,6 +153,8 @@ QByteArray GraphicsExporter::encodeCached(const QImage &picture)
 
 int GraphicsExporter::Export()
 {
+    // The session is ending: the user confirmed no file.
+    if (Application::ending()) return -6;
     if (m_format == ExportFormat::None) return -1;
     if (OutputFile.isEmpty()) return -2;
     const QByteArray bytes = encodeCached(InputPicture);

@@ -21,6 +21,8 @@ public:
     virtual int AsciiToKeyCode(int ascii) = 0;
     // Claims a combination. A claim that fails is silent: the key simply never fires.
     virtual void AddKey(int keycode, int modifiers, quint32 signature, int id) = 0;
+    // Presses made until now have been served: those still on their way are dropped.
+    virtual void pressesHandledUntilNow() {}
 
 signals:
     void hotKeyPressed(quint32 signature, int id);

@@ -60,34 +60,68 @@ void X11HotKeyService::AddKey(int keycode, int modifiers, quint32 signature, int
 {
     if (keycode <= 0 || keycode > 255) return;
     const quint16 mask = xModifiers(modifiers);
-    bool ok = true;
+    const auto key = static_cast<xcb_keycode_t>(keycode);
+    QList<quint16> held;
     for (quint16 extra : kIgnoredMasks) {
-        auto cookie = xcb_grab_key_checked(m_conn, 1, m_root, mask | extra,
-                                           static_cast<xcb_keycode_t>(keycode),
-                                           XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+        auto cookie = xcb_grab_key_checked(m_conn, 1, m_root, mask | extra, key, XCB_GRAB_MODE_ASYNC,
+                                           XCB_GRAB_MODE_ASYNC);
         if (xcb_generic_error_t *err = xcb_request_check(m_conn, cookie)) {
-            std::free(err); // another client holds it: silent, as claimed keys should be
-            ok = false;
+            std::free(err);
+            // Another client holds the combination in some form: let go of ours too, so its
+            // owner gets the key whatever the lock keys say. Silent, as claimed keys should be.
+            for (quint16 m : held) xcb_ungrab_key(m_conn, key, m_root, m);
+            xcb_flush(m_conn);
+            return;
         }
+        held << quint16(mask | extra);
     }
-    if (ok) m_grabs.append({static_cast<quint8>(keycode), mask, signature, id});
+    m_grabs.append({static_cast<quint8>(keycode), mask, signature, id});
+}
+
+void X11HotKeyService::pressesHandledUntilNow()
+{
+    if (m_sinceServed.isValid()) m_dropUntil = m_lastServed + quint32(m_sinceServed.elapsed());
+}
+
+// Server times are milliseconds that wrap around: compare by difference.
+static bool notAfter(quint32 a, quint32 b) { return qint32(a - b) <= 0; }
+
+bool X11HotKeyService::isNewPress(quint32 time)
+{
+    // Repeats come as presses while the key is held, or as a release and a press of one time. A
+    // key held for over a second without a repeat has lost its release elsewhere.
+    const bool heldRepeat = m_held && notAfter(time, m_lastKeyTime + 1000);
+    const bool pairedRepeat = time == m_lastRelease;
+    m_held = true;
+    m_lastKeyTime = time;
+    if (heldRepeat || pairedRepeat) return false;
+    return !(m_dropUntil != 0 && notAfter(time, m_dropUntil));
 }
 
 bool X11HotKeyService::nativeEventFilter(const QByteArray &eventType, void *message, qintptr *)
 {
     if (eventType != "xcb_generic_event_t") return false;
     auto *ev = static_cast<xcb_generic_event_t *>(message);
-    if ((ev->response_type & ~0x80) != XCB_KEY_PRESS) return false;
+    const quint8 type = ev->response_type & ~0x80;
+    if (type != XCB_KEY_PRESS && type != XCB_KEY_RELEASE) return false;
     auto *kp = reinterpret_cast<xcb_key_press_event_t *>(ev);
     const quint16 state = kp->state & ~(XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2);
     for (const Grab &g : m_grabs) {
-        if (g.keycode == kp->detail && g.mask == (state & 0xff)) {
-            // Queued: the handler runs as an ordinary event, not inside X event processing.
-            QMetaObject::invokeMethod(
-                this, [this, sig = g.signature, id = g.id] { emit hotKeyPressed(sig, id); },
-                Qt::QueuedConnection);
-            return true;
+        if (g.keycode != kp->detail) continue;
+        if (type == XCB_KEY_RELEASE) {
+            m_held = false;
+            m_lastRelease = kp->time;
+            return false;
         }
+        if (g.mask != (state & 0xff)) continue;
+        if (!isNewPress(kp->time)) return true;
+        m_lastServed = kp->time;
+        m_sinceServed.start();
+        // Queued: the handler runs as an ordinary event, not inside X event processing.
+        QMetaObject::invokeMethod(
+            this, [this, sig = g.signature, id = g.id] { emit hotKeyPressed(sig, id); },
+            Qt::QueuedConnection);
+        return true;
     }
     return false;
 }

@@ -1,9 +1,13 @@
 #pragma once
 // Hot keys on X11: a passive key grab on the root window, read through Qt's native event filter.
+// One press is one press: the repeats of a held key are not (whether the server reports them as
+// presses alone or as release-press pairs of one time), nor presses made before the last one was
+// served. A combination is claimed whole or not at all.
 
 #include "platform/HotKeyService.h"
 
 #include <QAbstractNativeEventFilter>
+#include <QElapsedTimer>
 #include <QList>
 
 struct xcb_connection_t;
@@ -20,6 +24,7 @@ public:
 
     int AsciiToKeyCode(int ascii) override;
     void AddKey(int keycode, int modifiers, quint32 signature, int id) override;
+    void pressesHandledUntilNow() override;
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *) override;
 
     // The X modifier mask for AddKey's modifier bits.
@@ -32,9 +37,17 @@ private:
         quint32 signature;
         int id;
     };
+    // Whether a press in server time is a new press, given what came before.
+    bool isNewPress(quint32 time);
+
     xcb_connection_t *m_conn;
     quint32 m_root;
     QList<Grab> m_grabs;
+    bool m_held = false;
+    quint32 m_lastRelease = 0, m_lastKeyTime = 0;
+    quint32 m_lastServed = 0;   // server time of the last press delivered
+    QElapsedTimer m_sinceServed; // local time since then
+    quint32 m_dropUntil = 0;    // server time up to which presses were for earlier captures
 };
 
 } // namespace fw

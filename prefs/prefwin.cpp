@@ -1,6 +1,7 @@
 #include "prefs/prefwin.h"
 
 #include "app/App.h"
+#include "app/MenuBar1.h"
 #include "editor/Window1.h"
 #include "platform/Canvas.h"
 #include "platform/GraphicsExporter.h"
@@ -21,6 +22,7 @@ prefwin::prefwin(fw::Services &services, fw::WindowRegistry &registry)
     : fw::Window(services, registry)
 {
     setObjectName(QStringLiteral("prefwin"));
+    MenuBar1::addQuitShortcut(App::instance(), this);
     setWindowTitle(QStringLiteral("Preferences"));
     setWindowRole(QStringLiteral("preferences"));
     resize(359, 219);

@@ -3,6 +3,7 @@
 #include "recent/RecentMath.h"
 
 #include "app/App.h"
+#include "app/MenuBar1.h"
 #include "capture/CGImage.h"
 #include "editor/Window1.h"
 #include "platform/Canvas.h"
@@ -19,6 +20,7 @@ recentwin::recentwin(fw::Services &services, fw::WindowRegistry &registry)
     : fw::Window(services, registry)
 {
     setObjectName(QStringLiteral("recentwin"));
+    MenuBar1::addQuitShortcut(App::instance(), this);
     setWindowTitle(QStringLiteral("Untitled")); // a drawer shows no title of its own
     setWindowRole(QStringLiteral("drawer"));
     setWindowFlag(Qt::Tool, true);

@@ -10,6 +10,7 @@ libmagick++-6.q16-dev
 imagemagick xclip xdotool xvfb x11-utils x11-xserver-utils xdg-utils poppler-utils
 dbus at-spi2-core python3 python3-pyatspi gir1.2-atspi-2.0 python3-pil netpbm file trayer
 desktop-file-utils appstream lintian dpkg-dev dex libglib2.0-bin
+slop maim openbox xcompmgr
 fonts-dejavu-core"
 
 missing=""

@@ -314,20 +314,48 @@ def rgb_pixels(session, path):
 BUNDLE = None  # the bundle under test, from --bundle
 
 
+class Desktop:
+    """A window manager (openbox) on the session's display, and a compositor if asked."""
+
+    def __init__(self, session, compositor=False):
+        self.procs = [subprocess.Popen(["openbox", "--sm-disable"], env=session.env,
+                                       stdout=DEVNULL, stderr=DEVNULL)]
+        wait_for(lambda: "_NET_SUPPORTING_WM_CHECK(WINDOW)" in session.run(
+            "xprop", "-root", "_NET_SUPPORTING_WM_CHECK", check=False).stdout, 5.0)
+        if compositor:
+            self.procs.append(subprocess.Popen(["xcompmgr"], env=session.env,
+                                               stdout=DEVNULL, stderr=DEVNULL))
+            time.sleep(0.3)
+
+    def close(self):
+        for p in reversed(self.procs):
+            p.terminate()
+            try:
+                p.wait(5)
+            except subprocess.TimeoutExpired:
+                p.kill()
+
+
 class E2ETestCase(unittest.TestCase):
     """A test with a display and a session of its own. Subclasses that read widgets through
-    AT-SPI set `accessible` (and run inside dbus-run-session)."""
+    AT-SPI set `accessible` (and run inside dbus-run-session); those that need a desktop set
+    `window_manager` (openbox) and `compositor` (xcompmgr)."""
 
     accessible = False
+    window_manager = False
+    compositor = False
 
     def setUp(self):
         # A display of its own per test: a clipboard owner left by one test must not feed the next.
         self.xvfb = Xvfb(1280, 1024)
         self.s = Session(BUNDLE, self.xvfb)
+        self.wm = Desktop(self.s, self.compositor) if self.window_manager else None
         self.a11y = A11y(self.s) if self.accessible else None
 
     def tearDown(self):
         self.s.cleanup()
+        if self.wm:
+            self.wm.close()
         self.xvfb.close()
 
 

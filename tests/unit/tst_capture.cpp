@@ -194,6 +194,14 @@ private slots:
         t.app->systemQuit();
         QVERIFY(t.app->quitRequested());
         QVERIFY(!t.app->quitting);
+        // Nothing is written once the system ends the session; the windows close at the end.
+        Window1 &w = Window1::instance();
+        w.exporter->InputPicture = patternImage(4, 4);
+        w.exporter->OutputFile = t.home.path() + "/late.jpg";
+        QVERIFY(w.exporter->Export() < 0);
+        QVERIFY(!QFile::exists(w.exporter->OutputFile));
+        t.app->finish();
+        QVERIFY(!t.app->windows().existing<Window1>());
     }
 
     void failureBeforeTheEditorExists_hasAnEmptyBreadcrumb()
