@@ -39,8 +39,10 @@ int Window::Top() const { return geometry().y() + barsHeight(); }
 int Window::Width() const { return width(); }
 int Window::Height() const { return height() - barsHeight(); }
 
-void Window::setLeft(int v) { move(v, geometry().y()); }
-void Window::setTop(int v) { move(geometry().x(), v - barsHeight()); }
+// The content's place, not the frame's: under a window manager move() would place the frame
+// there, and every write would shift the window by the frame.
+void Window::setLeft(int v) { setGeometry(QRect(QPoint(v, geometry().y()), geometry().size())); }
+void Window::setTop(int v) { setGeometry(QRect(QPoint(geometry().x(), v - barsHeight()), geometry().size())); }
 void Window::setWidth(int v)
 {
     resize(qBound(minimumWidth(), v, qMin(m_maxW, maximumWidth())), height());

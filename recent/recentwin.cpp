@@ -13,6 +13,7 @@
 #include <QEvent>
 #include <QPainter>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QSlider>
 
@@ -23,7 +24,9 @@ recentwin::recentwin(fw::Services &services, fw::WindowRegistry &registry)
     MenuBar1::addQuitShortcut(App::instance(), this);
     setWindowTitle(QStringLiteral("Untitled")); // a drawer shows no title of its own
     setWindowRole(QStringLiteral("drawer"));
+    // A tool window with no title bar of its own: it belongs to the editor and moves with it.
     setWindowFlag(Qt::Tool, true);
+    setWindowFlag(Qt::FramelessWindowHint, true);
     setMinimumSize(150, 64);
     setMaximumSize(166, 32000);
     resize(166, 507);
@@ -120,7 +123,15 @@ void recentwin::followEditor()
     Window1 *editor = registry().existing<Window1>();
     if (!editor) return;
     const QRect frame = editor->frameGeometry();
-    move(frame.right() + 1, editor->Top());
+    const QScreen *screen = editor->screen() ? editor->screen() : QGuiApplication::primaryScreen();
+    const QRect area = screen ? screen->availableGeometry() : QRect(frame.topLeft(), QSize(32000, 32000));
+    // Against the editor's right edge, its top level with the editor's content; where the
+    // screen has no room there, against the left edge; where neither side has room, inside the
+    // editor's right edge, on screen.
+    int x = frame.right() + 1;
+    if (x + width() > area.right() + 1) x = frame.left() - width();
+    if (x < area.left()) x = area.right() + 1 - width();
+    setGeometry(QRect(QPoint(x, editor->Top()), size()));
 }
 
 void recentwin::showEvent(QShowEvent *e)

@@ -139,8 +139,9 @@ class DesktopCaptureTest(E2ETestCase):
         self.assertEqual(len(s.capture_calls()), 2)
 
 
-class DesktopQuitTest(E2ETestCase):
-    """Quit on a desktop: by signal at any moment, from the keyboard in any window."""
+class DesktopWindowTest(E2ETestCase):
+    """The windows on a desktop: dragged and placed in content coordinates, the drawer glued to
+    the editor, dialogs that belong to it; quit by signal at any moment, from any window."""
     window_manager = True
 
     def setUp(self):
@@ -161,6 +162,35 @@ class DesktopQuitTest(E2ETestCase):
 
     def new_windows(self, known):
         return [w for w in self.s.windows(name=".*") if w not in known and self.s.mapped(w)]
+
+    def test_dragging_the_background_moves_the_content_by_the_pointers_travel(self):
+        s = self.s
+        wid, (x, y, w, h) = self.editor_with_capture()
+        for step in range(3):
+            gx, gy = x + w - 3, y + h - 3  # the background below the scroll bar's end
+            s.run("xdotool", "mousemove", str(gx), str(gy), "sleep", "0.1", "mousedown", "1",
+                  "sleep", "0.1", "mousemove", str(gx + 15), str(gy), "sleep", "0.1",
+                  "mousemove", str(gx + 30), str(gy), "sleep", "0.1", "mouseup", "1")
+            moved = wait_for(lambda: s.geometry(wid)[:2] == (x + 30, y) and s.geometry(wid), 2.0)
+            self.assertEqual(moved and moved[:2], (x + 30, y), f"drag {step + 1}")
+            x += 30
+
+    def test_the_drawer_stays_against_the_editor_at_its_content_top(self):
+        s = self.s
+        wid, (x, y, w, h) = self.editor_with_capture()
+        s.click(x + w - 121, y + 45)  # Recent
+        drawers = wait_for(lambda: [d for d in s.windows(name=".*") if s.role(d) == "drawer"], 3.0)
+        self.assertTrue(drawers)
+        height = load_image_geometry(640, 360, 1280, 1024)[3]
+        for to in ((100, 150), (300, 250)):
+            s.run("xdotool", "windowmove", "--sync", str(wid), str(to[0]), str(to[1]))
+            time.sleep(0.5)
+            ex, ey, ew, eh = s.geometry(wid)
+            content_top = ey + eh - height
+            dx, dy, dw, dh = s.geometry(drawers[0])
+            self.assertEqual(dy, content_top)
+            self.assertGreaterEqual(dx, ex + ew)
+            self.assertLessEqual(dx, ex + ew + 10)  # against the editor's frame edge
 
     def test_sigterm_during_the_splash_ends_the_program(self):
         s = self.s
