@@ -25,8 +25,7 @@ splash::splash(fw::Services &services, fw::WindowRegistry &registry) : fw::Windo
     pal.setColor(QPalette::WindowText, Qt::black);
     setPalette(pal);
     setAutoFillBackground(true);
-    const fw::ScreenInfo screen = fw::Screen0();
-    move((screen.Width - 386) / 2, (screen.Height - 130) / 2);
+    setGeometry(QRect(fw::centredOnScreen0(QSize(386, 130)), QSize(386, 130)));
 
     Canvas1 = new fw::Canvas(this);
     Canvas1->setGeometry(8, 14, 129, 126); // reaches past the bottom edge, as laid out

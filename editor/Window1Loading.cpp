@@ -19,11 +19,18 @@ void Window1::loadimage(const QString &scale)
     ScaledImage = getscaledimage();
     if (ScaledImage.isNull()) return;
 
-    const editor::WindowPlacement g = editor::loadImageGeometry(ScaledImage.size(), fw::Screen0());
+    // The screen of the formulas is the primary monitor's work area less what the window adds
+    // to its content (its bars, and its frame once the window manager has told it), so that
+    // the whole window stands on screen, below a top panel.
+    const QMargins frame = frameMargins();
+    int x0 = 0, y0 = 0;
+    const fw::ScreenInfo screen = fw::usableScreen0(frame.left() + frame.right(),
+                                                    barsHeight() + frame.top() + frame.bottom(), &x0, &y0);
+    const editor::WindowPlacement g = editor::loadImageGeometry(ScaledImage.size(), screen);
     setHeight(g.Height);
     setWidth(g.Width);
-    setLeft(g.Left);
-    setTop(g.Top);
+    setLeft(x0 + frame.left() + g.Left);
+    setTop(y0 + frame.top() + barsHeight() + g.Top);
     setMaxHeight(g.MaxHeight);
     setMaxWidth(g.MaxWidth);
 

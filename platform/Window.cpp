@@ -55,19 +55,42 @@ void Window::setHeight(int v)
     layoutFor(size());
 }
 
+// The limits are on the content; the bars' height is known only once they are laid out, so the
+// window's own limits are worked out anew at every resize. A maximum caps the user's resizing
+// and never shrinks what the program set.
+void Window::applySizeLimits()
+{
+    const int bars = barsHeight();
+    setMinimumSize(m_minW, m_minH + bars);
+    setMaximumSize(qMax(m_maxW, qMax(width(), m_minW)), qMax(m_maxH + bars, qMax(height(), m_minH + bars)));
+}
+
 void Window::setMaxWidth(int v)
 {
     m_maxW = v;
-    setMaximumWidth(qMax(v, minimumWidth()));
+    applySizeLimits();
 }
 
 void Window::setMaxHeight(int v)
 {
     m_maxH = v;
-    setMaximumHeight(qMax(v + barsHeight(), minimumHeight()));
+    applySizeLimits();
 }
 
-void Window::setMinSize(int w, int h) { setMinimumSize(w, h + barsHeight()); }
+void Window::setMinSize(int w, int h)
+{
+    m_minW = w;
+    m_minH = h;
+    applySizeLimits();
+}
+
+QMargins Window::frameMargins() const
+{
+    const QRect frame = frameGeometry(), content = geometry();
+    if (frame == content) return {};
+    return QMargins(content.left() - frame.left(), content.top() - frame.top(),
+                    frame.right() - content.right(), frame.bottom() - content.bottom());
+}
 
 void Window::Show() { show(); }
 void Window::Hide() { hide(); }
@@ -89,6 +112,7 @@ void Window::closeEvent(QCloseEvent *e)
 void Window::resizeEvent(QResizeEvent *e)
 {
     QWidget::resizeEvent(e);
+    if (minimumHeight() != m_minH + barsHeight()) applySizeLimits();
     layoutFor(size());
     guarded([&] { Event_Resized(); });
 }

@@ -4,6 +4,7 @@
 // measured on the content area (below a window's own menu bar and tool bar, if any).
 
 #include <QHash>
+#include <QMargins>
 #include <QWidget>
 #include <functional>
 #include <optional>
@@ -50,6 +51,8 @@ public:
     void setMaxWidth(int v);
     void setMaxHeight(int v);
     void setMinSize(int w, int h);
+    // What the window manager's frame adds around the content, once known (else nothing).
+    QMargins frameMargins() const;
 
     void Show();
     void Hide();
@@ -71,7 +74,9 @@ private:
     Services &m_services;
     WindowRegistry &m_registry;
     QHash<QString, std::function<bool()>> m_menuHandlers;
+    void applySizeLimits();
     int m_maxW = 32000, m_maxH = 32000;
+    int m_minW = 0, m_minH = 0;
 };
 
 } // namespace fw

@@ -28,8 +28,7 @@ prefwin::prefwin(fw::Services &services, fw::WindowRegistry &registry)
     resize(359, 219);
     setMinimumSize(64, 64);
     // Centred on the main screen.
-    const fw::ScreenInfo screen = fw::Screen0();
-    move((screen.Width - 359) / 2, (screen.Height - 219) / 2);
+    setGeometry(QRect(fw::centredOnScreen0(size()), size()));
 
     auto place = [](QWidget *w, int x, int y, int width, int height) {
         w->setGeometry(x, y, width, height);

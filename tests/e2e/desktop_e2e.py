@@ -25,6 +25,11 @@ class DesktopCaptureTest(E2ETestCase):
     def slop_running(self):
         return subprocess.run(["pgrep", "-x", "slop"], capture_output=True).returncode == 0
 
+    def slop_ready(self):
+        """slop has mapped its window: it holds the pointer and the keyboard from then on."""
+        out = self.s.run("xwininfo", "-root", "-tree", check=False).stdout
+        return '("slop" "slop")' in out
+
     def clipboard(self, target):
         return subprocess.run(["xclip", "-o", "-selection", "clipboard", "-t", target],
                               env=self.s.env, capture_output=True, timeout=5).stdout
@@ -55,8 +60,8 @@ class DesktopCaptureTest(E2ETestCase):
             time.sleep(0.5)
             ref = s.screenshot(os.path.join(s.tmp, "ref.png"))
             s.key("ctrl+shift+2")
-            self.assertTrue(wait_for(self.slop_running, 5.0), "the helper asks for a region")
-            time.sleep(0.4)
+            self.assertTrue(wait_for(self.slop_ready, 5.0), "the helper asks for a region")
+            time.sleep(0.2)
             # Another client is served while the user selects: the server is not grabbed.
             r = subprocess.run(["xdpyinfo"], env=s.env, capture_output=True, timeout=3)
             self.assertEqual(r.returncode, 0)
@@ -86,8 +91,8 @@ class DesktopCaptureTest(E2ETestCase):
         s.run("sh", "-c", f"xclip -selection clipboard -i '{note}' </dev/null >/dev/null 2>&1")
         s.start()
         s.key("ctrl+shift+2")
-        self.assertTrue(wait_for(self.slop_running, 5.0))
-        time.sleep(0.4)
+        self.assertTrue(wait_for(self.slop_ready, 5.0))
+        time.sleep(0.2)
         s.key("Escape")
         self.assertTrue(wait_for(lambda: not self.slop_running(), 3.0), "Escape ends the selection")
         time.sleep(1.0)
@@ -236,6 +241,50 @@ class DesktopWindowTest(E2ETestCase):
         s.run("xdotool", "windowactivate", "--sync", str(prefs[0]))
         s.key("ctrl+q")
         self.assertEqual(s.wait_exit(5), 0)
+
+
+class DesktopPlacementTest(E2ETestCase):
+    """The editor placed by the sizing formulas on a desktop whose panel keeps 40 pixels at the
+    top: the formulas see the work area less the window's bars and frame."""
+    window_manager = True
+    top_panel = 40
+
+    def placed(self, width, height):
+        s = self.s
+        pic = os.path.join(s.tmp, "pic.png")
+        s.run("convert", "-size", f"{width}x{height}", "gradient:navy-gold", "PNG24:" + pic)
+        s.capture_puts(pic)
+        s.start()
+        s.key("ctrl+shift+2")
+        editor = wait_for(s.editor_windows, 3.0)[0]
+        time.sleep(0.5)
+        # Once more: the frame is known now, and every load places the window anew.
+        s.key("ctrl+shift+2")
+        time.sleep(1.0)
+        return editor
+
+    def test_the_content_stands_where_the_formulas_say(self):
+        s = self.s
+        editor = self.placed(640, 360)
+        x, y, w, h = s.geometry(editor)
+        left, right, top, bottom = s.frame_extents(editor)
+        bars = h - (360 + 91)
+        chrome = bars + top + bottom
+        content_left, content_top, width, height = load_image_geometry(
+            640, 360, 1280 - left - right, 1024 - 40 - chrome)
+        self.assertEqual((w, h - bars), (width, height))
+        self.assertEqual(x, left + content_left)
+        self.assertEqual(y + bars, 40 + top + bars + content_top)
+
+    def test_a_full_screen_capture_keeps_the_whole_editor_on_screen_below_the_panel(self):
+        s = self.s
+        editor = self.placed(1280, 1024)
+        x, y, w, h = s.geometry(editor)
+        left, right, top, bottom = s.frame_extents(editor)
+        self.assertGreaterEqual(y - top, 40, "the title bar below the panel")
+        self.assertLessEqual(y + h + bottom, 1024, "the bottom on screen")
+        self.assertGreaterEqual(x - left, 0)
+        self.assertLessEqual(x + w + right, 1280)
 
 
 if __name__ == "__main__":

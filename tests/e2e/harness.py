@@ -160,6 +160,11 @@ class Session:
         out = self.run("xwininfo", "-id", str(wid), check=False).stdout
         return "IsViewable" in out
 
+    def frame_extents(self, wid):
+        """The window manager's frame around a window: left, right, top, bottom."""
+        out = self.run("xprop", "-id", str(wid), "_NET_FRAME_EXTENTS", check=False).stdout
+        return [int(v) for v in out.split("=")[1].split(",")] if "=" in out else [0, 0, 0, 0]
+
     def geometry(self, wid):
         out = self.run("xwininfo", "-id", str(wid)).stdout
         vals = {}
@@ -317,9 +322,16 @@ BUNDLE = None  # the bundle under test, from --bundle
 class Desktop:
     """A window manager (openbox) on the session's display, and a compositor if asked."""
 
-    def __init__(self, session, compositor=False):
-        self.procs = [subprocess.Popen(["openbox", "--sm-disable"], env=session.env,
-                                       stdout=DEVNULL, stderr=DEVNULL)]
+    def __init__(self, session, compositor=False, top_panel=0):
+        argv = ["openbox", "--sm-disable"]
+        if top_panel:
+            # Space kept free at the top of the screen, as a panel keeps it.
+            rc = os.path.join(session.tmp, "openbox-rc.xml")
+            with open(rc, "w") as f:
+                f.write('<openbox_config xmlns="http://openbox.org/3.4/rc"><margins>'
+                        f'<top>{top_panel}</top></margins></openbox_config>')
+            argv += ["--config-file", rc]
+        self.procs = [subprocess.Popen(argv, env=session.env, stdout=DEVNULL, stderr=DEVNULL)]
         wait_for(lambda: "_NET_SUPPORTING_WM_CHECK(WINDOW)" in session.run(
             "xprop", "-root", "_NET_SUPPORTING_WM_CHECK", check=False).stdout, 5.0)
         if compositor:
@@ -344,12 +356,13 @@ class E2ETestCase(unittest.TestCase):
     accessible = False
     window_manager = False
     compositor = False
+    top_panel = 0
 
     def setUp(self):
         # A display of its own per test: a clipboard owner left by one test must not feed the next.
         self.xvfb = Xvfb(1280, 1024)
         self.s = Session(BUNDLE, self.xvfb)
-        self.wm = Desktop(self.s, self.compositor) if self.window_manager else None
+        self.wm = Desktop(self.s, self.compositor, self.top_panel) if self.window_manager else None
         self.a11y = A11y(self.s) if self.accessible else None
 
     def tearDown(self):

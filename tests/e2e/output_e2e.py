@@ -72,10 +72,12 @@ class OutputTest(E2ETestCase):
         self.assertTrue(drawers, "the drawer is shown")
         dx, dy, dw, dh = s.geometry(drawers[0])
         s.click(dx + 75, dy + 75)
-        left, top, width, height = load_image_geometry(320, 200, 1280, 1024)
+        _, _, width, height = load_image_geometry(320, 200, 1280, 1024)
         self.assertTrue(wait_for(lambda: s.geometry(wid)[2] == width), "sized by loadimage for A")
         x, y, w, h = s.geometry(wid)
-        self.assertEqual((x, y + h - height), (left, top))
+        bars = h - height
+        left, top, _, _ = load_image_geometry(320, 200, 1280, 1024 - bars)
+        self.assertEqual((x, y + bars), (left, bars + top))
 
         # Copy at 50 %: a picture of the scaled size on the clipboard.
         self.press("Preset scales")
