@@ -134,6 +134,9 @@ public:
 
     // Pannable: either scroll bar has a range.
     bool pannable() const;
+    // The canvas in the screen's pixels, and their number per unit of the window's geometry.
+    QSize canvasPixels() const;
+    qreal canvasPixelRatio() const;
     // The window's design size.
     static constexpr QSize designSize{400, 440};
 

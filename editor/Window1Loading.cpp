@@ -12,6 +12,7 @@
 
 #include <QComboBox>
 #include <QLineEdit>
+#include <cmath>
 
 void Window1::loadimage(const QString &scale)
 {
@@ -26,7 +27,11 @@ void Window1::loadimage(const QString &scale)
     int x0 = 0, y0 = 0;
     const fw::ScreenInfo screen = fw::usableScreen0(frame.left() + frame.right(),
                                                     barsHeight() + frame.top() + frame.bottom(), &x0, &y0);
-    const editor::WindowPlacement g = editor::loadImageGeometry(ScaledImage.size(), screen);
+    // The picture's size in the window's units: on a scaled screen it is shown in fewer of them.
+    const qreal r = canvasPixelRatio();
+    const QSize picture(editor::toInt(std::ceil(ScaledImage.width() / r)),
+                        editor::toInt(std::ceil(ScaledImage.height() / r)));
+    const editor::WindowPlacement g = editor::loadImageGeometry(picture, screen);
     setHeight(g.Height);
     setWidth(g.Width);
     setLeft(x0 + frame.left() + g.Left);

@@ -12,12 +12,27 @@
 #include <QPainter>
 #include <QScrollBar>
 
+// The preview counts in the screen's own pixels: on a scaled (HiDPI) screen a capture still
+// shows one to one, while the window and its controls scale.
+qreal Window1::canvasPixelRatio() const { return Canvas1->devicePixelRatioF(); }
+
+QSize Window1::canvasPixels() const
+{
+    const qreal r = canvasPixelRatio();
+    return QSize(editor::toInt(Canvas1->width() * r), editor::toInt(Canvas1->height() * r));
+}
+
 void Window1::Canvas1_Paint(QPainter &g, int width, int height)
 {
     if (ScaledImage.isNull()) return;
+    const qreal r = canvasPixelRatio();
+    const QSize pixels(editor::toInt(width * r), editor::toInt(height * r));
     const editor::PaintPlacement pl = editor::paintPlacement(
-        ScaledImage.size(), QSize(width, height), ScrollBarH->value(), ScrollBarV->value());
+        ScaledImage.size(), pixels, ScrollBarH->value(), ScrollBarV->value());
+    g.save();
+    g.scale(1 / r, 1 / r);
     ScaledImage.draw(g, pl.destination.topLeft(), QRect(pl.source, pl.destination.size()));
+    g.restore();
 }
 
 bool Window1::pannable() const { return ScrollBarH->maximum() > 0 || ScrollBarV->maximum() > 0; }
@@ -37,7 +52,7 @@ void Window1::setscroll()
         setScrollMaximum(ScrollBarH, 0);
     } else {
         const editor::ScrollRanges r = editor::scrollRanges(
-            mypic.size(), scaleField->text(), Canvas1->size(), ScrollBarH->value(),
+            mypic.size(), scaleField->text(), canvasPixels(), ScrollBarH->value(),
             ScrollBarH->maximum(), ScrollBarV->value(), ScrollBarV->maximum());
         setScrollMaximum(ScrollBarH, r.hMaximum);
         setScrollMaximum(ScrollBarV, r.vMaximum);
@@ -59,8 +74,10 @@ bool Window1::Canvas1_MouseDown(int x, int y)
 void Window1::Canvas1_MouseDrag(int x, int y)
 {
     holdupdate = true;
-    setScrollValue(ScrollBarH, ScrollBarH->value() + xdown - x);
-    setScrollValue(ScrollBarV, ScrollBarV->value() + ydown - y);
+    // The hand's travel in the screen's pixels, which the picture is shown in.
+    const qreal r = canvasPixelRatio();
+    setScrollValue(ScrollBarH, ScrollBarH->value() + editor::toInt((xdown - x) * r));
+    setScrollValue(ScrollBarV, ScrollBarV->value() + editor::toInt((ydown - y) * r));
     ydown = y;
     xdown = x;
     holdupdate = false;

@@ -144,6 +144,34 @@ class DesktopCaptureTest(E2ETestCase):
         self.assertEqual(len(s.capture_calls()), 2)
 
 
+class HiDpiTest(E2ETestCase):
+    """A screen at 192 dpi: the window and its controls scale, the capture shows one to one."""
+    window_manager = True
+
+    def test_a_capture_shows_one_to_one_in_the_screens_pixels(self):
+        s = self.s
+        s.run("sh", "-c", "echo 'Xft.dpi: 192' | xrdb -merge")
+        known = os.path.join(s.tmp, "known.png")
+        s.run("convert", "-size", "200x120", "gradient:red-blue", "-fx", "u+(i%7)/255",
+              "-depth", "8", "-strip", "PNG24:" + known)
+        s.capture_puts(known)
+        s.start()
+        s.key("ctrl+shift+2")
+        editors = wait_for(s.editor_windows, timeout=3.0)
+        self.assertTrue(editors)
+        time.sleep(0.5)
+        x, y, w, h = s.geometry(editors[0])
+        # Twice the window's units in pixels; the picture counts 100 x 60 units: the floors.
+        _, _, width, height = load_image_geometry(100, 60, 640, 512)
+        self.assertEqual(w, 2 * width)
+        bars = h - 2 * height
+        cw, ch = 2 * (width - 15), 2 * (height - 90)
+        px, py = int((cw - 200) / 2.0 + 1.0), int((ch - 120) / 2.0 + 1.0)
+        shot = s.screenshot(os.path.join(s.tmp, "shot.png"))
+        crop = s.crop(shot, os.path.join(s.tmp, "crop.png"), x + px, y + bars + py, 200, 120)
+        self.assertEqual(s.differing_pixels(crop, known), 0)
+
+
 class DesktopWindowTest(E2ETestCase):
     """The windows on a desktop: dragged and placed in content coordinates, the drawer glued to
     the editor, dialogs that belong to it; quit by signal at any moment, from any window."""
