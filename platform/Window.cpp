@@ -1,6 +1,7 @@
 #include "platform/Window.h"
 
 #include "platform/Failure.h"
+#include "platform/FrameExtents.h"
 #include "platform/WindowRegistry.h"
 
 #include <QCloseEvent>
@@ -87,7 +88,14 @@ void Window::setMinSize(int w, int h)
 QMargins Window::frameMargins() const
 {
     const QRect frame = frameGeometry(), content = geometry();
-    if (frame == content) return {};
+    if (frame == content) {
+        // Never shown yet: ask the window manager what its frame will be, once.
+        if (!m_frameAsked) {
+            m_frameAsked = true;
+            m_frameBeforeShowing = frameExtentsBeforeShowing(const_cast<Window *>(this));
+        }
+        return isVisible() ? QMargins() : m_frameBeforeShowing;
+    }
     return QMargins(content.left() - frame.left(), content.top() - frame.top(),
                     frame.right() - content.right(), frame.bottom() - content.bottom());
 }

@@ -6,7 +6,7 @@ import sys
 import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from harness import E2ETestCase, load_image_geometry, main, wait_for  # noqa: E402
+from harness import E2ETestCase, expected_content_origin, load_image_geometry, main, wait_for  # noqa: E402
 
 
 
@@ -52,9 +52,7 @@ class CaptureTest(E2ETestCase):
         x, y, w, h = wait_for(lambda: s.geometry(wid)[2] == width and s.geometry(wid))
         bars = h - height
         self.assertGreater(bars, 0, "menu bar above the content area")
-        # The formulas count the bars in: the screen they see is the bars' height lower.
-        left, top, _, _ = load_image_geometry(200, 120, 1280, 1024 - bars)
-        self.assertEqual((x, y + bars, w), (left, bars + top, width))
+        self.assertEqual((x, y + bars, w), expected_content_origin(s, wid, 200, 120) + (width,))
 
         # Canvas1 fills the content area less 15 on the right and 90 below; the picture is
         # centred in it, one pixel in.
@@ -86,9 +84,10 @@ class CaptureTest(E2ETestCase):
         s.start()
         editors = s.capture_until_editor()
         self.assertTrue(editors)
-        # Content and bars together take the screen less 100, from 100 down.
-        x, y, w, h = wait_for(lambda: s.geometry(editors[0])[2] == 1280 and s.geometry(editors[0]))
-        self.assertEqual((x, y, w, h), (0, 100, 1280, 924))
+        # Frame, bars and content together take the screen less 100, from 100 down.
+        x, y, w, h = wait_for(lambda: s.geometry(editors[0])[2] > 1200 and s.geometry(editors[0]))
+        left, right, top, bottom = s.frame_extents(editors[0])
+        self.assertEqual((x - left, y - top, w + left + right, h + top + bottom), (0, 100, 1280, 924))
 
     def test_inputs_that_bring_no_picture_are_silent(self):
         s = self.s

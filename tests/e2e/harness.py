@@ -242,6 +242,17 @@ def load_image_geometry(pic_w, pic_h, screen_w, screen_h):
     return left, top, width, height
 
 
+def expected_content_origin(session, wid, pic_w, pic_h, screen_w=1280, screen_h=1024, panel=0):
+    """Where the editor's content must stand for a picture too small to reach the caps: the
+    formulas see the work area less the window's bars and frame (none on a bare server)."""
+    x, y, w, h = session.geometry(wid)
+    left, right, top, bottom = session.frame_extents(wid)
+    bars = h - max(pic_h + 91, 250)
+    cx, cy, _, _ = load_image_geometry(pic_w, pic_h, screen_w - left - right,
+                                       screen_h - panel - bars - top - bottom)
+    return left + cx, panel + top + bars + cy
+
+
 class A11y:
     """The program's widgets through AT-SPI. Needs the test and the program on one session bus
     (run the test inside dbus-run-session) and Debian's python3 with pyatspi."""
@@ -354,7 +365,7 @@ class E2ETestCase(unittest.TestCase):
     `window_manager` (openbox) and `compositor` (xcompmgr)."""
 
     accessible = False
-    window_manager = False
+    window_manager = True
     compositor = False
     top_panel = 0
 

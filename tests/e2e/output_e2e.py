@@ -6,7 +6,7 @@ import sys
 import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from harness import E2ETestCase, load_image_geometry, main, wait_for  # noqa: E402
+from harness import E2ETestCase, expected_content_origin, load_image_geometry, main, wait_for  # noqa: E402
 
 
 
@@ -75,9 +75,7 @@ class OutputTest(E2ETestCase):
         _, _, width, height = load_image_geometry(320, 200, 1280, 1024)
         self.assertTrue(wait_for(lambda: s.geometry(wid)[2] == width), "sized by loadimage for A")
         x, y, w, h = s.geometry(wid)
-        bars = h - height
-        left, top, _, _ = load_image_geometry(320, 200, 1280, 1024 - bars)
-        self.assertEqual((x, y + bars), (left, bars + top))
+        self.assertEqual((x, y + h - height), expected_content_origin(s, wid, 320, 200))
 
         # Copy at 50 %: a picture of the scaled size on the clipboard.
         self.press("Preset scales")

@@ -1,0 +1,11 @@
+#pragma once
+// What the window manager's frame will add around a window, asked of the window manager before
+// the window is first shown (_NET_REQUEST_FRAME_EXTENTS), so that even the first placement can
+// put the content where it is meant to be. Nothing without X11 or a window manager that answers.
+
+#include <QMargins>
+#include <QWidget>
+
+namespace fw {
+QMargins frameExtentsBeforeShowing(QWidget *window);
+} // namespace fw
