@@ -98,11 +98,33 @@ bool X11HotKeyService::isNewPress(quint32 time)
     return !(m_dropUntil != 0 && notAfter(time, m_dropUntil));
 }
 
+void X11HotKeyService::grabAgain()
+{
+    // The same keys as at start (the key that typed "2" then), claimed anew: a new keyboard
+    // mapping can leave a passive grab without effect.
+    const QList<Grab> grabs = m_grabs;
+    for (const Grab &g : grabs)
+        for (quint16 extra : kIgnoredMasks) xcb_ungrab_key(m_conn, g.keycode, m_root, g.mask | extra);
+    m_grabs.clear();
+    for (const Grab &g : grabs) {
+        const int modifiers = ((g.mask & XCB_MOD_MASK_CONTROL) ? kCmdKey : 0) |
+                              ((g.mask & XCB_MOD_MASK_SHIFT) ? kShiftKey : 0) |
+                              ((g.mask & XCB_MOD_MASK_1) ? kOptionKey : 0) |
+                              ((g.mask & XCB_MOD_MASK_4) ? kControlKey : 0);
+        AddKey(g.keycode, modifiers, g.signature, g.id);
+    }
+}
+
 bool X11HotKeyService::nativeEventFilter(const QByteArray &eventType, void *message, qintptr *)
 {
     if (eventType != "xcb_generic_event_t") return false;
     auto *ev = static_cast<xcb_generic_event_t *>(message);
     const quint8 type = ev->response_type & ~0x80;
+    if (type == XCB_MAPPING_NOTIFY) {
+        // Queued, so that Qt has read the new mapping first.
+        QMetaObject::invokeMethod(this, [this] { grabAgain(); }, Qt::QueuedConnection);
+        return false;
+    }
     if (type != XCB_KEY_PRESS && type != XCB_KEY_RELEASE) return false;
     auto *kp = reinterpret_cast<xcb_key_press_event_t *>(ev);
     const quint16 state = kp->state & ~(XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2);

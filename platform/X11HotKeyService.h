@@ -39,6 +39,8 @@ private:
     };
     // Whether a press in server time is a new press, given what came before.
     bool isNewPress(quint32 time);
+    // After a change of the keyboard mapping: the same keys claimed anew.
+    void grabAgain();
 
     xcb_connection_t *m_conn;
     quint32 m_root;
