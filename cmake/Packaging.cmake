@@ -80,6 +80,6 @@ set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # Beyond the linked libraries: the capture helper's tools, the mail hand-off, Qt's X11 platform.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "xclip, imagemagick, xdg-utils, qt6-qpa-plugins, libqt6svg6")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "xclip, slop, maim, xdg-utils, qt6-qpa-plugins, libqt6svg6")
 set(CPACK_STRIP_FILES ON)
 include(CPack)

@@ -62,7 +62,7 @@ class InstallTest(E2ETestCase):
         debs = glob.glob(os.path.join(out, "vantrel_*.deb"))
         self.assertEqual(len(debs), 1)
         info = subprocess.run(["dpkg-deb", "-f", debs[0], "Depends"], capture_output=True, text=True).stdout
-        for needed in ("libqt6widgets6", "libplist", "libmagick++", "xclip"):
+        for needed in ("libqt6widgets6", "libplist", "libmagick++", "xclip", "slop", "maim"):
             self.assertIn(needed, info)
         r = subprocess.run(["lintian", "--no-tag-display-limit", debs[0]], capture_output=True, text=True)
         errors = [line for line in r.stdout.splitlines() if line.startswith("E:")]
