@@ -1,6 +1,7 @@
 // The editor's arithmetic, the capture command's version gate, the control locks and the
 // drawer's geometry, as plain functions.
 
+#include "app/CommandLine.h"
 #include "capture/CaptureCommand.h"
 #include "editor/EditorMath.h"
 #include "platform/ControlLayout.h"
@@ -93,6 +94,37 @@ private slots:
         QCOMPARE(QRect(p.Left, p.Top, p.Width, p.Height), expected);
         QCOMPARE(p.MaxHeight, available.height() - 25);
         QCOMPARE(p.MaxWidth, available.width());
+    }
+
+    // What a later start asks of the running program, and when the program stays on X11.
+    void commandLine_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QString>("method"); // "help", "bad", or the method handed over
+        QTest::newRow("nothing") << QStringList{} << "";
+        QTest::newRow("capture") << QStringList{"--capture"} << "Capture";
+        QTest::newRow("preferences") << QStringList{"--preferences"} << "ShowPreferences";
+        QTest::newRow("quit") << QStringList{"--quit"} << "Quit";
+        QTest::newRow("help") << QStringList{"-h"} << "help";
+        QTest::newRow("unknown") << QStringList{"--captur"} << "bad";
+        QTest::newRow("two requests") << QStringList{"--capture", "--quit"} << "bad";
+    }
+    void commandLine()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(QString, method);
+        const CommandLine c = parseCommandLine(args);
+        if (method == "help") QCOMPARE(c.kind, CommandLine::Kind::Help);
+        else if (method == "bad") QCOMPARE(c.kind, CommandLine::Kind::Bad);
+        else QCOMPARE(c.method(), method);
+    }
+    void stayX11_onlyOnWaylandWithAnXServerAndNoChoiceOfTheUsers()
+    {
+        QVERIFY(shouldStayX11("", "wayland", "wayland-0", ":0"));
+        QVERIFY(shouldStayX11("", "", "wayland-1", ":1"));
+        QVERIFY(!shouldStayX11("wayland", "wayland", "wayland-0", ":0")); // the user chose
+        QVERIFY(!shouldStayX11("", "wayland", "wayland-0", ""));          // no XWayland
+        QVERIFY(!shouldStayX11("", "x11", "", ":0"));
     }
 
     void scaleFactor_appliesTheResetRule_data()
