@@ -1,9 +1,12 @@
 #include "platform/Failure.h"
 
+#include <QThread>
+#include <vector>
+
 namespace fw {
 namespace {
 UnhandledHandler g_handler;
-int g_depth = 0;
+std::vector<int> g_levels; // the event loop level of each guarded handler on the stack
 std::exception_ptr g_pending;
 bool g_reporting = false;
 
@@ -19,21 +22,27 @@ void report(std::exception_ptr e)
 
 void setUnhandledHandler(UnhandledHandler handler) { g_handler = std::move(handler); }
 
-int handlerDepth() { return g_depth; }
+int handlerDepth() { return int(g_levels.size()); }
 
 void guarded(const std::function<void()> &handler) noexcept
 {
-    ++g_depth;
+    // A handler is outermost when no handler of ours is below it in the same event loop: the
+    // first of the stack, or the first inside a dialog's or a wait's own loop. Its failure is
+    // reported at once; a failure of a handler nested in a property write is handed back to the
+    // writer instead.
+    const int level = QThread::currentThread()->loopLevel();
+    const bool outermost = g_levels.empty() || g_levels.back() < level;
+    g_levels.push_back(level);
     try {
         handler();
     } catch (...) {
-        if (g_depth == 1)
+        if (outermost)
             g_pending = nullptr, report(std::current_exception());
         else if (!g_pending)
             g_pending = std::current_exception();
     }
-    --g_depth;
-    if (g_depth == 0 && g_pending) {
+    g_levels.pop_back();
+    if (outermost && g_pending) {
         // A nested failure that no writer of ours picked up still ends in the one place.
         auto e = g_pending;
         g_pending = nullptr;

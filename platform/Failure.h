@@ -34,8 +34,9 @@ using UnhandledHandler = std::function<void(std::exception_ptr)>;
 void setUnhandledHandler(UnhandledHandler handler);
 
 // Runs an event handler. A failure in it goes to the unhandled handler when this is the
-// outermost handler on the stack; a nested one is parked and re-raised by rethrowPending()
-// in the frame of ours that made the nested call.
+// outermost handler of its event loop (the stack's first, or the first inside a dialog's
+// loop); one nested in a property write is parked and re-raised by rethrowPending() in the
+// frame of ours that made the nested call.
 void guarded(const std::function<void()> &handler) noexcept;
 
 // Re-raises a failure that a nested handler parked (called right after a Qt setter returns).

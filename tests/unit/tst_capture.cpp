@@ -12,6 +12,8 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QSlider>
+#include <QEventLoop>
+#include <QTimer>
 #include <QtTest>
 
 class CaptureTest : public QObject {
@@ -210,6 +212,27 @@ private slots:
         fw::guarded([] { throw fw::NilObjectException(); });
         QCOMPARE(t.app->messages, QStringList{"An Error Ocurred at "});
         QVERIFY(t.app->quitRequested());
+    }
+
+    void aFailureInsideADialogsLoopIsReportedAtOnce()
+    {
+        TestProgram t;
+        // An earlier test's system quit ended the loops and left every new one to return at
+        // once; a run of the application's loop clears that.
+        QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+        QCoreApplication::exec();
+        QStringList seenWhileTheLoopRan;
+        fw::guarded([&] {
+            QEventLoop loop; // a modal dialog's, say
+            QTimer::singleShot(0, [] { fw::guarded([] { throw fw::NilObjectException(); }); });
+            QTimer::singleShot(50, [&] {
+                seenWhileTheLoopRan = t.app->messages;
+                loop.quit();
+            });
+            loop.exec();
+        });
+        QCOMPARE(seenWhileTheLoopRan, QStringList{"An Error Ocurred at OpenEditor"});
+        QCOMPARE(t.app->messages.size(), 1);
     }
 
     void aNestedFailureStopsTheHandlerThatWroteTheProperty()
