@@ -33,7 +33,7 @@ static bool readExtents(xcb_connection_t *c, xcb_window_t w, xcb_atom_t extents,
     return ok;
 }
 
-QMargins frameExtentsBeforeShowing(QWidget *window)
+QMargins frameExtentsBeforeShowing(QWidget *window, bool ask)
 {
     auto *x11 = qApp ? qApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
     xcb_connection_t *c = x11 ? x11->connection() : nullptr;
@@ -41,7 +41,8 @@ QMargins frameExtentsBeforeShowing(QWidget *window)
     const auto w = xcb_window_t(window->winId());
     const xcb_atom_t extents = atom(c, "_NET_FRAME_EXTENTS");
     QMargins m;
-    if (readExtents(c, w, extents, &m)) return m;
+    // Set by the window manager once it has managed the window, and kept while it is hidden.
+    if (readExtents(c, w, extents, &m) || !ask) return m;
     xcb_client_message_event_t ev = {};
     ev.response_type = XCB_CLIENT_MESSAGE;
     ev.format = 32;
@@ -55,7 +56,7 @@ QMargins frameExtentsBeforeShowing(QWidget *window)
     // A window manager answers at once; without one nobody does.
     QElapsedTimer waited;
     waited.start();
-    while (waited.elapsed() < 200) {
+    while (waited.elapsed() < 300) {
         if (readExtents(c, w, extents, &m)) return m;
         QThread::msleep(5);
     }

@@ -7,5 +7,7 @@
 #include <QWidget>
 
 namespace fw {
-QMargins frameExtentsBeforeShowing(QWidget *window);
+// ask: request the extents and wait for them (a fraction of a second at most); otherwise only
+// read what the window manager has set on the window.
+QMargins frameExtentsBeforeShowing(QWidget *window, bool ask);
 } // namespace fw

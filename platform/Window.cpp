@@ -89,12 +89,12 @@ QMargins Window::frameMargins() const
 {
     const QRect frame = frameGeometry(), content = geometry();
     if (frame == content) {
-        // Never shown yet: ask the window manager what its frame will be, once.
-        if (!m_frameAsked) {
-            m_frameAsked = true;
-            m_frameBeforeShowing = frameExtentsBeforeShowing(const_cast<Window *>(this));
-        }
-        return isVisible() ? QMargins() : m_frameBeforeShowing;
+        // Hidden, or never shown: what the window manager says its frame is. It is asked once
+        // (a window manager answers at once; without one nobody does, and that costs a wait).
+        if (isVisible()) return {};
+        const bool ask = !m_frameAsked;
+        m_frameAsked = true;
+        return frameExtentsBeforeShowing(const_cast<Window *>(this), ask);
     }
     return QMargins(content.left() - frame.left(), content.top() - frame.top(),
                     frame.right() - content.right(), frame.bottom() - content.bottom());

@@ -78,7 +78,6 @@ private:
     int m_maxW = 32000, m_maxH = 32000;
     int m_minW = 0, m_minH = 0;
     mutable bool m_frameAsked = false;
-    mutable QMargins m_frameBeforeShowing;
 };
 
 } // namespace fw
