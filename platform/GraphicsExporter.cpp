@@ -159,13 +159,14 @@ int GraphicsExporter::Export()
     if (OutputFile.isEmpty()) return -2;
     const QByteArray bytes = encodeCached(InputPicture);
     if (bytes.isEmpty()) return -3;
-    if (!OutputFileMustBeNew) return writeFileReplacing(OutputFile, bytes) ? 0 : -4;
-    switch (writeNewFile(OutputFile, bytes)) {
-    case NewFileResult::Written: return 0;
-    case NewFileResult::Taken: return NameTaken;
-    case NewFileResult::Failed: break;
-    }
-    return -4;
+    NewFileResult result = NewFileResult::Failed;
+    if (!OutputFileMustBeNew)
+        result = writeFileReplacing(OutputFile, bytes) ? NewFileResult::Written : NewFileResult::Failed;
+    else
+        result = writeNewFile(OutputFile, bytes);
+    // Kept only for a retry under the next free name: a large picture's file is not held on.
+    if (result != NewFileResult::Taken) m_last = {};
+    return result == NewFileResult::Written ? 0 : result == NewFileResult::Taken ? NameTaken : -4;
 }
 
 } // namespace fw
