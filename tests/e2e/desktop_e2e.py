@@ -26,7 +26,9 @@ class DesktopCaptureTest(E2ETestCase):
         return subprocess.run(["pgrep", "-x", "slop"], capture_output=True).returncode == 0
 
     def slop_ready(self):
-        """slop has mapped its window: it holds the pointer and the keyboard from then on."""
+        """slop has mapped its window. It takes the pointer and the keyboard about then (it
+        retries for a while when it can't at once): the callers give it a second, as a person
+        would before pressing a key."""
         out = self.s.run("xwininfo", "-root", "-tree", check=False).stdout
         return '("slop" "slop")' in out
 
@@ -61,7 +63,7 @@ class DesktopCaptureTest(E2ETestCase):
             ref = s.screenshot(os.path.join(s.tmp, "ref.png"))
             s.key("ctrl+shift+2")
             self.assertTrue(wait_for(self.slop_ready, 5.0), "the helper asks for a region")
-            time.sleep(0.2)
+            time.sleep(1.0)
             # Another client is served while the user selects: the server is not grabbed.
             r = subprocess.run(["xdpyinfo"], env=s.env, capture_output=True, timeout=3)
             self.assertEqual(r.returncode, 0)
@@ -92,8 +94,10 @@ class DesktopCaptureTest(E2ETestCase):
         s.start()
         s.key("ctrl+shift+2")
         self.assertTrue(wait_for(self.slop_ready, 5.0))
-        time.sleep(0.2)
-        s.key("Escape")
+        time.sleep(1.0)
+        # Held as a hand holds a key: slop looks at the keyboard's state every few
+        # milliseconds, and a tap of a few could fall between two looks.
+        s.run("xdotool", "keydown", "Escape", "sleep", "0.15", "keyup", "Escape")
         self.assertTrue(wait_for(lambda: not self.slop_ready(), 3.0), "Escape ends the selection")
         time.sleep(1.0)
         self.assertEqual(s.editor_windows(), [])
