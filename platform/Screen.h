@@ -1,5 +1,5 @@
 #pragma once
-// The main screen's sizes, the only screen the program ever considers.
+// The primary monitor, the only screen the program ever considers.
 
 #include <QPoint>
 #include <QSize>
@@ -10,8 +10,6 @@ struct ScreenInfo {
     int Width = 0, Height = 0;                             // full size
     int AvailableLeft = 0, AvailableWidth = 0, AvailableHeight = 0; // less panels and docks
 };
-
-ScreenInfo Screen0();
 
 // The primary monitor as a window can use it: its work area (panels excluded), seen as a
 // screen of its own with its origin at 0,0, less what a window adds to its content across and

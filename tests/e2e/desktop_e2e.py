@@ -22,9 +22,6 @@ class DesktopCaptureTest(E2ETestCase):
                    "-depth", "8", "-strip", "PNG24:" + self.known)
         self.s.run("convert", "-size", "200x120", "xc:green", "-depth", "8", "PNG24:" + self.old)
 
-    def slop_running(self):
-        return subprocess.run(["pgrep", "-x", "slop"], capture_output=True).returncode == 0
-
     def slop_ready(self):
         """slop has mapped its window. It takes the pointer and the keyboard about then (it
         retries for a while when it can't at once): the callers give it a second, as a person
