@@ -32,10 +32,7 @@ void Window1::loadimage(const QString &scale)
     const QSize picture(editor::toInt(std::ceil(ScaledImage.width() / r)),
                         editor::toInt(std::ceil(ScaledImage.height() / r)));
     const editor::WindowPlacement g = editor::loadImageGeometry(picture, screen);
-    setHeight(g.Height);
-    setWidth(g.Width);
-    setLeft(x0 + frame.left() + g.Left);
-    setTop(y0 + frame.top() + barsHeight() + g.Top);
+    setBounds(x0 + frame.left() + g.Left, y0 + frame.top() + barsHeight() + g.Top, g.Width, g.Height);
     setMaxHeight(g.MaxHeight);
     setMaxWidth(g.MaxWidth);
 

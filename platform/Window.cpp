@@ -56,6 +56,15 @@ void Window::setHeight(int v)
     layoutFor(size());
 }
 
+void Window::setBounds(int left, int top, int width, int height)
+{
+    const int bars = barsHeight();
+    const int w = qBound(minimumWidth(), width, qMin(m_maxW, maximumWidth()));
+    const int h = qBound(minimumHeight(), qMin(height, m_maxH) + bars, maximumHeight());
+    setGeometry(QRect(left, top - bars, w, h));
+    layoutFor(size());
+}
+
 // The limits are on the content; the bars' height is known only once they are laid out, so the
 // window's own limits are worked out anew at every resize. A maximum caps the user's resizing
 // and never shrinks what the program set.

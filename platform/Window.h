@@ -48,6 +48,9 @@ public:
     void setTop(int v);
     void setWidth(int v);
     void setHeight(int v);
+    // All four at once: one request to the window manager, so a shown window moves in one step
+    // instead of showing each intermediate size and place.
+    void setBounds(int left, int top, int width, int height);
     void setMaxWidth(int v);
     void setMaxHeight(int v);
     void setMinSize(int w, int h);
