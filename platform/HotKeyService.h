@@ -23,9 +23,13 @@ public:
     virtual void AddKey(int keycode, int modifiers, quint32 signature, int id) = 0;
     // Presses made until now have been served: those still on their way are dropped.
     virtual void pressesHandledUntilNow() {}
+    // What the user should do to get the key, when the desktop has not given it; empty when
+    // the key is claimed (or the claim is silent, as on X11).
+    virtual QString unboundHint() const { return {}; }
 
 signals:
     void hotKeyPressed(quint32 signature, int id);
+    void unboundHintChanged();
 };
 
 // Where no global key can be had (no X server): accepts everything, never fires.

@@ -3,6 +3,7 @@
 #include "output/ExportSettingsDialog.h"
 #include "platform/SystemInformation.h"
 #include "platform/TemporaryFolder.h"
+#include "platform/PortalHotKeyService.h"
 #include "platform/X11HotKeyService.h"
 
 #include <QCoreApplication>
@@ -62,10 +63,33 @@ QString userDesktopFolder()
     return std.isEmpty() ? QDir::homePath() + "/Desktop" : std;
 }
 
+bool isWaylandSession()
+{
+    return qEnvironmentVariable("XDG_SESSION_TYPE").compare(QLatin1String("wayland"), Qt::CaseInsensitive) == 0 ||
+           !qEnvironmentVariable("WAYLAND_DISPLAY").isEmpty();
+}
+
+// On X11 a grab on the root window. On Wayland the compositor hands out keys: the portal asks
+// it, and XWayland's keyboard map (when the program runs there) names the key that types "2".
+static std::unique_ptr<HotKeyService> hotKeysForThisSession()
+{
+    std::unique_ptr<HotKeyService> x11 = X11HotKeyService::createIfAvailable();
+    if (!isWaylandSession()) return x11;
+    auto *keyboard = dynamic_cast<X11HotKeyService *>(x11.get());
+    std::shared_ptr<HotKeyService> owner(std::move(x11));
+    auto keyCodeOf = [owner, keyboard](int ascii) { return keyboard ? keyboard->AsciiToKeyCode(ascii) : ascii; };
+    auto keysymName = [owner, keyboard](int keycode, bool shifted) {
+        if (keyboard) return keyboard->keysymName(keycode, shifted);
+        // No keyboard map to ask: the character itself, by its ASCII keysym name.
+        return shifted || keycode < '0' || keycode > 'z' ? QString() : QString(QChar(keycode));
+    };
+    return std::make_unique<PortalHotKeyService>(keyCodeOf, keysymName);
+}
+
 std::unique_ptr<Services> Services::forThisMachine()
 {
     auto s = std::make_unique<Services>(Bundle(QCoreApplication::applicationDirPath()), configHome());
-    s->hotKeys = X11HotKeyService::createIfAvailable();
+    s->hotKeys = hotKeysForThisSession();
     return s;
 }
 

@@ -48,6 +48,8 @@ struct Services {
     static std::unique_ptr<Services> forThisMachine();
 };
 
+// Whether the desktop session is a Wayland one (the program may still be an X11 client in it).
+bool isWaylandSession();
 // $XDG_CONFIG_HOME, or ~/.config.
 QString configHome();
 // The user's Desktop folder: $XDG_DESKTOP_DIR, the user-dirs file, or ~/Desktop.

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <xcb/xcb.h>
 #include <xcb/xcb_keysyms.h>
+#include <xkbcommon/xkbcommon.h>
 
 namespace fw {
 
@@ -54,6 +55,18 @@ int X11HotKeyService::AsciiToKeyCode(int ascii)
     std::free(codes);
     xcb_key_symbols_free(syms);
     return code;
+}
+
+QString X11HotKeyService::keysymName(int keycode, bool shifted)
+{
+    if (keycode <= 0 || keycode > 255) return {};
+    xcb_key_symbols_t *syms = xcb_key_symbols_alloc(m_conn);
+    if (!syms) return {};
+    const xcb_keysym_t sym = xcb_key_symbols_get_keysym(syms, static_cast<xcb_keycode_t>(keycode), shifted ? 1 : 0);
+    xcb_key_symbols_free(syms);
+    char name[64];
+    if (sym == XCB_NO_SYMBOL || xkb_keysym_get_name(sym, name, sizeof name) <= 0) return {};
+    return QString::fromLatin1(name);
 }
 
 void X11HotKeyService::AddKey(int keycode, int modifiers, quint32 signature, int id)

@@ -23,6 +23,8 @@ public:
     ~X11HotKeyService() override;
 
     int AsciiToKeyCode(int ascii) override;
+    // The XKB name of what the key types, with Shift or without; empty when nothing.
+    QString keysymName(int keycode, bool shifted);
     void AddKey(int keycode, int modifiers, quint32 signature, int id) override;
     void pressesHandledUntilNow() override;
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *) override;

@@ -66,6 +66,13 @@ prefwin::prefwin(fw::Services &services, fw::WindowRegistry &registry)
     place(PushButton3, 259, 143, 80, 20);
     CheckBox2 = new QCheckBox(QStringLiteral("Hide Tray Icon"), this);
     place(CheckBox2, 20, 45, 185, 20);
+    keyHint = new QLabel(this);
+    keyHint->setObjectName(QStringLiteral("keyHint"));
+    keyHint->setWordWrap(true);
+    keyHint->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    place(keyHint, 20, 209, 319, 40);
+    showKeyHint();
+    connect(services.hotKeys.get(), &fw::HotKeyService::unboundHintChanged, this, &prefwin::showKeyHint);
     StaticText1->setBuddy(emaildefault);
     StaticText2->setBuddy(PopupMenu1);
 
@@ -84,6 +91,14 @@ prefwin::prefwin(fw::Services &services, fw::WindowRegistry &registry)
 prefwin::~prefwin() = default;
 
 prefwin &prefwin::instance() { return App::instance().windows().get<prefwin>(); }
+
+void prefwin::showKeyHint()
+{
+    const QString hint = services().hotKeys->unboundHint();
+    keyHint->setText(hint);
+    keyHint->setVisible(!hint.isEmpty());
+    resize(width(), hint.isEmpty() ? 219 : 259);
+}
 
 void prefwin::openControls()
 {

@@ -30,6 +30,8 @@ public:
     QLabel *savefolder = nullptr;
     QPushButton *PushButton3 = nullptr;
     QCheckBox *CheckBox2 = nullptr;
+    // Shown on desktops that hand out no key: what to bind instead. Grows the window.
+    QLabel *keyHint = nullptr;
 
     void openControls() override;
     void Event_Close() override;
@@ -53,4 +55,7 @@ public:
     // Writes that run the controls' handlers nested.
     void setPopupMenu1ListIndex(int i);
     void setChecked(QCheckBox *box, bool on);
+
+private:
+    void showKeyHint();
 };

@@ -5,6 +5,8 @@
 #include "capture/CaptureCommand.h"
 #include "editor/EditorMath.h"
 #include "platform/ControlLayout.h"
+#include "platform/PortalHotKeyService.h"
+#include "platform/PortalRequest.h"
 #include "recent/RecentMath.h"
 
 #include <QtTest>
@@ -125,6 +127,17 @@ private slots:
         QVERIFY(!shouldStayX11("wayland", "wayland", "wayland-0", ":0")); // the user chose
         QVERIFY(!shouldStayX11("", "wayland", "wayland-0", ""));          // no XWayland
         QVERIFY(!shouldStayX11("", "x11", "", ":0"));
+    }
+
+    void portalTrigger_namesWhatTheKeyTypes()
+    {
+        using fw::portalTrigger;
+        const int shiftCmd = fw::kShiftKey | fw::kCmdKey;
+        QCOMPARE(portalTrigger(shiftCmd, "2", "at"), "CTRL+at");       // US
+        QCOMPARE(portalTrigger(shiftCmd, "2", "quotedbl"), "CTRL+quotedbl"); // German
+        QCOMPARE(portalTrigger(shiftCmd, "2", ""), "SHIFT+CTRL+2");    // no shifted level known
+        QCOMPARE(portalTrigger(fw::kCmdKey | fw::kOptionKey, "2", "at"), "CTRL+ALT+2");
+        QCOMPARE(fw::portalRequestPath(":1.42", "vantrel3"), "/org/freedesktop/portal/desktop/request/1_42/vantrel3");
     }
 
     void scaleFactor_appliesTheResetRule_data()

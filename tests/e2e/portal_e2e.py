@@ -1,0 +1,136 @@
+"""A Wayland session's roads without a compositor: the real xdg-desktop-portal with a backend of
+ours (portal_mock.py) for GlobalShortcuts and Screenshot. The key is claimed once per start
+under one token, the desktop's Activated opens the editor on the portal's picture, a cancelled
+selection changes nothing, and a desktop that hands out no key gets the hint in Preferences.
+Run inside dbus-run-session."""
+
+import json
+import os
+import subprocess
+import sys
+import time
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+import harness  # noqa: E402
+from harness import E2ETestCase, main, wait_for  # noqa: E402
+
+PORTAL = "/usr/libexec/xdg-desktop-portal"
+MOCK_IFACE = "org.freedesktop.DBus.Mock"
+
+
+class PortalTest(E2ETestCase):
+    def setUp(self):
+        try:
+            import dbus
+            import dbusmock  # noqa: F401
+        except ImportError as e:
+            self.skipTest(f"python3-dbus and python3-dbusmock are needed: {e}")
+        if not os.access(PORTAL, os.X_OK):
+            self.skipTest(f"{PORTAL} is not installed (xdg-desktop-portal)")
+        super().setUp()
+        s = self.s
+        s.env.update(DBUS_SESSION_BUS_ADDRESS=os.environ["DBUS_SESSION_BUS_ADDRESS"],
+                     XDG_SESSION_TYPE="wayland", WAYLAND_DISPLAY="wayland-none", XDG_CURRENT_DESKTOP="mocktest")
+        self.folder = os.path.join(s.tmp, "portal")
+        os.makedirs(os.path.join(self.folder, "portals"))
+        with open(os.path.join(self.folder, "portals", "mock.portal"), "w") as f:
+            f.write("[portal]\nDBusName=org.freedesktop.impl.portal.Test\nUseIn=mocktest\nInterfaces="
+                    "org.freedesktop.impl.portal.GlobalShortcuts;org.freedesktop.impl.portal.Screenshot;"
+                    "org.freedesktop.impl.portal.Access;\n")
+        mock = os.path.join(os.path.dirname(os.path.abspath(__file__)), "portal_mock.py")
+        self.daemons = [subprocess.Popen([sys.executable, "-m", "dbusmock", "--template", mock, "-p",
+                                          json.dumps({"folder": self.folder})], env=s.env,
+                                         stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)]
+        bus = dbus.SessionBus()
+        self.mock = wait_for(lambda: self.proxy(bus), 5.0)
+        self.daemons.append(subprocess.Popen([PORTAL, "--replace"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                                             env=dict(s.env, XDG_DESKTOP_PORTAL_DIR=os.path.join(self.folder, "portals"))))
+
+    def proxy(self, bus):
+        try:
+            obj = bus.get_object("org.freedesktop.impl.portal.Test", "/org/freedesktop/portal/desktop")
+            obj.GetCalls(dbus_interface=MOCK_IFACE)
+            return obj
+        except Exception:
+            return None
+
+    def tearDown(self):
+        super().tearDown()
+        for d in getattr(self, "daemons", []):
+            d.kill()
+            d.wait()
+
+    def calls(self, method):
+        return [c[1] for c in self.mock.GetMethodCalls(method, dbus_interface=MOCK_IFACE)]
+
+    def portal_answers(self, response, colour="red"):
+        """The next Screenshot: a picture the portal wrote in its folder, or a cancel."""
+        self.s.run("convert", "-size", "64x48", f"xc:{colour}", os.path.join(self.folder, "shot.png"))
+        with open(os.path.join(self.folder, "response"), "w") as f:
+            f.write(str(response))
+
+    def clipboard(self):
+        return self.s.run("xclip", "-o", "-selection", "clipboard", "-t", "TARGETS", check=False).stdout
+
+    def test_the_desktop_key_captures_through_the_portal(self):
+        import dbus
+        s = self.s
+        s.start()
+        created = wait_for(lambda: self.calls("CreateSession"), 5.0)
+        self.assertEqual(len(created), 1, "one session a start")
+        options = created[0][3]
+        self.assertEqual(options["session_handle_token"], "vantrel")
+        # Shift+Ctrl+2 as the desktop names it: Shift is used up in "at" on a US layout.
+        self.assertEqual([(sid, dict(p)) for sid, p in options["shortcuts"]],
+                         [("capture", {"description": "Capture a region or a window", "preferred_trigger": "CTRL+at"})])
+        session = created[0][1]
+        activate = lambda: self.mock.EmitSignal("org.freedesktop.impl.portal.GlobalShortcuts", "Activated",
+                                                "osta{sv}", [session, "capture", dbus.UInt64(1), dbus.Dictionary({}, signature="sv")],
+                                                dbus_interface=MOCK_IFACE)
+        wait_for(lambda: self.calls("ListShortcuts"), 3.0)
+
+        # Cancelled: the portal answers 1, the clipboard keeps what it had, no editor.
+        s.run("sh", "-c", "echo before | xclip -selection clipboard -i >/dev/null 2>&1")
+        self.portal_answers(1)
+        activate()
+        self.assertTrue(wait_for(lambda: self.calls("Screenshot"), 3.0), "the portal was asked")
+        time.sleep(1.0)
+        self.assertFalse(s.editor_windows())
+        self.assertEqual(s.run("xclip", "-o", "-selection", "clipboard").stdout, "before\n")
+
+        self.portal_answers(0)
+        activate()
+        self.assertTrue(wait_for(s.editor_windows, 5.0), "the editor on the portal's picture")
+        clip = os.path.join(s.tmp, "clip.png")
+        s.run("sh", "-c", f"xclip -o -selection clipboard -t image/png > '{clip}'")
+        self.assertEqual(s.run("identify", "-format", "%wx%h", clip).stdout, "64x48")
+        self.assertFalse(os.path.exists(os.path.join(self.folder, "shot.png")), "the portal's file is removed")
+        self.assertEqual(self.calls("BindShortcuts"), [], "kept from the session: never bound again")
+        exe = os.path.join(harness.BUNDLE, "Contents", "MacOS", "Vantrel")
+        subprocess.run([exe, "--preferences"], env=s.env, timeout=10)
+        prefs = wait_for(lambda: s.windows(name="^Preferences$"), 3.0)
+        self.assertEqual(s.geometry(prefs[0])[3], 219, "no hint: the desktop gave the key")
+
+        # A later start of the resident program asks under the same token.
+        subprocess.run([exe, "--quit"], env=s.env, timeout=10)
+        self.assertEqual(s.wait_exit(5), 0)
+        s.start()
+        created = wait_for(lambda: len(self.calls("CreateSession")) == 2 and self.calls("CreateSession"), 5.0)
+        self.assertEqual(created[1][3]["session_handle_token"], "vantrel")
+
+    def test_no_portal_no_key_and_a_hint(self):
+        s = self.s
+        for d in self.daemons:
+            d.kill()
+        s.env["XDG_CURRENT_DESKTOP"] = "none"
+        s.start()
+        exe = os.path.join(harness.BUNDLE, "Contents", "MacOS", "Vantrel")
+        time.sleep(1.0)
+        subprocess.run([exe, "--preferences"], env=s.env, timeout=10)
+        prefs = wait_for(lambda: s.windows(name="^Preferences$"), 3.0)
+        self.assertTrue(prefs)
+        self.assertEqual(s.geometry(prefs[0])[3], 259, "the hint to bind Vantrel --capture")
+
+
+if __name__ == "__main__":
+    main()
