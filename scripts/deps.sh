@@ -12,6 +12,7 @@ dbus at-spi2-core python3 python3-pyatspi gir1.2-atspi-2.0 python3-pil netpbm fi
 desktop-file-utils appstream lintian dpkg-dev dex libglib2.0-bin
 slop maim openbox xcompmgr
 xdg-desktop-portal python3-dbus python3-dbusmock
+sway swaybg xwayland pipewire xdg-desktop-portal-wlr xdg-desktop-portal-gtk grim wtype
 fonts-dejavu-core"
 
 missing=""
