@@ -81,5 +81,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # Beyond the linked libraries: the capture helper's tools, the mail hand-off, Qt's X11 platform.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "xclip, slop, maim, xdg-utils, qt6-qpa-plugins, libqt6svg6")
+# Wayland sessions: the capture and the key go through the desktop's portals.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-desktop-portal")
 set(CPACK_STRIP_FILES ON)
 include(CPack)
