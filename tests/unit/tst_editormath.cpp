@@ -129,6 +129,14 @@ private slots:
         QVERIFY(!shouldStayX11("", "x11", "", ":0"));
     }
 
+    void toInt_saturatesInsteadOfOverflowing()
+    {
+        QCOMPARE(toInt(1e12), INT_MAX); // a 1000 % scale of a huge capture
+        QCOMPARE(toInt(-1e12), INT_MIN);
+        QCOMPARE(toInt(std::nan("")), 0);
+        QCOMPARE(toInt(-2.7), -2);
+    }
+
     void portalTrigger_namesWhatTheKeyTypes()
     {
         using fw::portalTrigger;
