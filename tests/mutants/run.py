@@ -4,8 +4,10 @@ them; prints each mutant's fate and the count killed. Slow (a build per mutant):
   python3 tests/mutants/run.py [--keep BUILD_DIR] [N ...]
 Exit status 0 when every mutant listed is killed."""
 
+import filecmp
 import os
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -32,8 +34,17 @@ def main():
     work = args.pop(args.index("--keep") + 1) if "--keep" in args else tempfile.mkdtemp(prefix="vantrel-mutants-")
     args = [a for a in args if a != "--keep"]
     tree, build = os.path.join(work, "src"), os.path.join(work, "build")
-    if not os.path.isdir(tree):
-        shutil.copytree(SOURCE, tree, ignore=shutil.ignore_patterns("build*", ".git"))
+    # A kept copy is brought up to date file by file (new times, so the build sees them).
+    for root, dirs, files in os.walk(SOURCE):
+        dirs[:] = [d for d in dirs if not d.startswith("build") and d != ".git"]
+        for f in files:
+            src = os.path.join(root, f)
+            dst = os.path.join(tree, os.path.relpath(src, SOURCE))
+            if not os.path.exists(dst) or not filecmp.cmp(src, dst, shallow=False):
+                os.makedirs(os.path.dirname(dst), exist_ok=True)
+                shutil.copy(src, dst)
+    # Stopped half-way, the mutated file is put back all the same.
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(2))
     env = dict(os.environ, QT_QPA_PLATFORM="offscreen")
     if sh(["cmake", "-S", tree, "-B", build, "-DCMAKE_BUILD_TYPE=Debug"], tree).returncode:
         sys.exit("cmake failed")
