@@ -1,5 +1,7 @@
 #include "app/CommandLine.h"
 
+#include "platform/Services.h"
+
 QString CommandLine::method() const
 {
     switch (kind) {
@@ -46,5 +48,5 @@ bool shouldStayX11(const QString &qpaPlatform, const QString &sessionType,
                    const QString &waylandDisplay, const QString &display)
 {
     if (!qpaPlatform.isEmpty() || display.isEmpty()) return false;
-    return sessionType.compare(QLatin1String("wayland"), Qt::CaseInsensitive) == 0 || !waylandDisplay.isEmpty();
+    return fw::isWaylandSession(sessionType, waylandDisplay);
 }

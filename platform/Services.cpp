@@ -63,10 +63,9 @@ QString userDesktopFolder()
     return std.isEmpty() ? QDir::homePath() + "/Desktop" : std;
 }
 
-bool isWaylandSession()
+bool isWaylandSession(const QString &sessionType, const QString &waylandDisplay)
 {
-    return qEnvironmentVariable("XDG_SESSION_TYPE").compare(QLatin1String("wayland"), Qt::CaseInsensitive) == 0 ||
-           !qEnvironmentVariable("WAYLAND_DISPLAY").isEmpty();
+    return sessionType.compare(QLatin1String("wayland"), Qt::CaseInsensitive) == 0 || !waylandDisplay.isEmpty();
 }
 
 // On X11 a grab on the root window. On Wayland the compositor hands out keys: the portal asks
@@ -74,7 +73,8 @@ bool isWaylandSession()
 static std::unique_ptr<HotKeyService> hotKeysForThisSession()
 {
     std::unique_ptr<HotKeyService> x11 = X11HotKeyService::createIfAvailable();
-    if (!isWaylandSession()) return x11;
+    if (!isWaylandSession(qEnvironmentVariable("XDG_SESSION_TYPE"), qEnvironmentVariable("WAYLAND_DISPLAY")))
+        return x11;
     auto *keyboard = dynamic_cast<X11HotKeyService *>(x11.get());
     std::shared_ptr<HotKeyService> owner(std::move(x11));
     auto keyCodeOf = [owner, keyboard](int ascii) { return keyboard ? keyboard->AsciiToKeyCode(ascii) : ascii; };

@@ -49,7 +49,7 @@ struct Services {
 };
 
 // Whether the desktop session is a Wayland one (the program may still be an X11 client in it).
-bool isWaylandSession();
+bool isWaylandSession(const QString &sessionType, const QString &waylandDisplay);
 // $XDG_CONFIG_HOME, or ~/.config.
 QString configHome();
 // The user's Desktop folder: $XDG_DESKTOP_DIR, the user-dirs file, or ~/Desktop.
