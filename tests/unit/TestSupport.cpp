@@ -1,51 +1,33 @@
 #include "TestSupport.h"
 
-#include <QPainter>
-
-#include "platform/WindowRegistry.h"
-
-#include <QApplication>
-#include <QClipboard>
-#include <QFile>
-#include <QDir>
 #include <QMimeData>
 #include <QPainter>
 #include <QtEndian>
 
 TestProgram::TestProgram(bool start)
 {
-    QDir().mkpath(configFolder());
+    for (const char *sub : {"/config", "/Desktop", "/Vantrel.app/Contents/MacOS"}) QDir().mkpath(home.path() + sub);
     qputenv("HOME", home.path().toUtf8());
     qputenv("XDG_CONFIG_HOME", configFolder().toUtf8());
     qputenv("XDG_DESKTOP_DIR", (home.path() + "/Desktop").toUtf8());
-    QDir().mkpath(home.path() + "/Desktop");
-    // A bundle around the (imagined) running program, with its property list.
-    QDir().mkpath(home.path() + "/Vantrel.app/Contents/MacOS");
-    QFile info(home.path() + "/Vantrel.app/Contents/Info.plist");
+    QFile info(bundlePath() + "/Contents/Info.plist");
     info.open(QIODevice::WriteOnly);
-    info.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
-               "<key>CFBundleName</key><string>Vantrel</string>"
+    info.write("<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>CFBundleName</key><string>Vantrel</string>"
                "<key>CFBundleExecutable</key><string>Vantrel</string></dict></plist>\n");
     info.close();
     // The toolbar's pictures and the stored scripts, as the build made them.
-    for (const QString &sub : {QStringLiteral("Toolbar"), QStringLiteral("Scripts")}) {
+    for (const QString sub : {"Toolbar", "Scripts"}) {
         const QDir from(QStringLiteral(VANTREL_BUILT_RESOURCES) + "/" + sub);
         QDir().mkpath(bundlePath() + "/Contents/Resources/" + sub);
         for (const QString &f : from.entryList(QDir::Files))
             QFile::copy(from.filePath(f), bundlePath() + "/Contents/Resources/" + sub + "/" + f);
     }
-    services = std::make_unique<fw::Services>(fw::Bundle(home.path() + "/Vantrel.app/Contents/MacOS"),
-                                              configFolder());
-    auto r = std::make_unique<FakeRunner>();
-    runner = r.get();
-    services->commands = std::move(r);
-    auto k = std::make_unique<FakeHotKeys>();
-    keys = k.get();
-    services->hotKeys = std::move(k);
+    services = std::make_unique<fw::Services>(fw::Bundle(bundlePath() + "/Contents/MacOS"), configFolder());
+    services->commands.reset(runner = new FakeRunner);
+    services->hotKeys.reset(keys = new FakeHotKeys);
     services->osVersionString = [] { return QStringLiteral("Mac OS X 10.5.8"); };
-    services->settingsDialog = [this](fw::ExportFormat f, fw::ExporterSettings &s) {
+    services->settingsDialog = [this](fw::ExportFormat f, fw::ExporterSettings &) {
         dialogsShown << f;
-        if (editSettings) editSettings(s);
         return confirmSettings;
     };
     services->shiftKeyDown = [this] { return shiftDown; };
@@ -82,11 +64,6 @@ void TestProgram::captureGives(const QImage &picture)
     runner->onRun = [picture](const QStringList &) { QGuiApplication::clipboard()->setImage(picture); };
 }
 
-void TestProgram::captureGivesText(const QString &text)
-{
-    runner->onRun = [text](const QStringList &) { QGuiApplication::clipboard()->setText(text); };
-}
-
 void TestProgram::captureGivesBytes(const QByteArray &bytes, const QString &mime)
 {
     runner->onRun = [bytes, mime](const QStringList &) {
@@ -95,8 +72,6 @@ void TestProgram::captureGivesBytes(const QByteArray &bytes, const QString &mime
         QGuiApplication::clipboard()->setMimeData(md);
     };
 }
-
-void TestProgram::captureGivesNothing() { runner->onRun = nullptr; }
 
 void TestProgram::pressHotKey()
 {
@@ -108,8 +83,7 @@ QImage patternImage(int width, int height)
 {
     QImage img(width, height, QImage::Format_RGB32);
     for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            img.setPixel(x, y, qRgb((x * 7 + y) % 256, (y * 5 + x * 3) % 256, (x ^ y) % 256));
+        for (int x = 0; x < width; ++x) img.setPixel(x, y, qRgb((x * 7 + y) % 256, (y * 5 + x * 3) % 256, (x ^ y) % 256));
     return img;
 }
 
@@ -133,35 +107,17 @@ QImage screenLike(int w, int h)
     return img;
 }
 
-static quint32 crc32(const QByteArray &data)
-{
-    quint32 c = 0xffffffffu;
-    for (char ch : data) {
-        c ^= quint8(ch);
-        for (int k = 0; k < 8; ++k) c = (c >> 1) ^ (0xedb88320u & (0u - (c & 1u)));
-    }
-    return ~c;
-}
-
-static QByteArray chunk(const char *type, const QByteArray &body)
-{
-    QByteArray out;
-    quint32 len = qToBigEndian(quint32(body.size()));
-    out.append(reinterpret_cast<const char *>(&len), 4);
-    QByteArray typed = QByteArray(type) + body;
-    out.append(typed);
-    quint32 crc = qToBigEndian(crc32(typed));
-    out.append(reinterpret_cast<const char *>(&crc), 4);
-    return out;
-}
-
 QByteArray pngHeaderClaiming(quint32 width, quint32 height)
 {
-    QByteArray ihdr;
-    quint32 w = qToBigEndian(width), h = qToBigEndian(height);
-    ihdr.append(reinterpret_cast<const char *>(&w), 4);
-    ihdr.append(reinterpret_cast<const char *>(&h), 4);
-    ihdr.append("\x08\x02\x00\x00\x00", 5); // 8-bit RGB
-    return QByteArray("\x89PNG\r\n\x1a\n", 8) + chunk("IHDR", ihdr) +
-           chunk("IDAT", QByteArray(16, '\0')) + chunk("IEND", {});
+    auto be32 = [](quint32 v) { return v = qToBigEndian(v), QByteArray(reinterpret_cast<const char *>(&v), 4); };
+    auto chunk = [&](const QByteArray &typed) { // length, type and body, CRC-32
+        quint32 c = 0xffffffffu;
+        for (char ch : typed) {
+            c ^= quint8(ch);
+            for (int k = 0; k < 8; ++k) c = (c >> 1) ^ (0xedb88320u & (0u - (c & 1u)));
+        }
+        return be32(quint32(typed.size() - 4)) + typed + be32(~c);
+    };
+    return QByteArray("\x89PNG\r\n\x1a\n", 8) + chunk("IHDR" + be32(width) + be32(height) + QByteArray("\x08\x02\0\0\0", 5)) +
+           chunk("IDAT" + QByteArray(16, '\0')) + chunk("IEND");
 }

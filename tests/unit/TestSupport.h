@@ -1,15 +1,17 @@
 #pragma once
 // A whole program in one test process: temporary home and configuration folder, fake capture
-// command and hot keys, a recording message box, the real windows offscreen.
+// command, hot keys and dialogs, a recording message box, the real windows offscreen.
 
 #include "app/App.h"
 #include "platform/HotKeyService.h"
 #include "platform/Services.h"
 #include "prefs/Preferences.h"
 
-#include <QImage>
-#include <QStringList>
+#include <QClipboard>
+#include <QDir>
+#include <QGuiApplication>
 #include <QTemporaryDir>
+#include <QtTest>
 #include <functional>
 #include <memory>
 
@@ -27,11 +29,7 @@ public:
 
 class FakeHotKeys : public fw::HotKeyService {
 public:
-    struct Claim {
-        int keycode, modifiers;
-        quint32 signature;
-        int id;
-    };
+    struct Claim { int keycode, modifiers; quint32 signature; int id; };
     QList<Claim> claims;
     int AsciiToKeyCode(int ascii) override { return ascii; }
     void AddKey(int keycode, int modifiers, quint32 signature, int id) override
@@ -45,13 +43,12 @@ class RecordingApp : public App {
 public:
     using App::App;
     QStringList messages;
-    int quitCalls = 0;
     void MsgBox(const QString &text) override { messages << text; }
 };
 
 class TestProgram {
 public:
-    // start: run the start-up (App.Event_Open makes Window1); otherwise only the objects exist.
+    // start: run the start-up (which makes the editor); otherwise only the objects exist.
     explicit TestProgram(bool start = true);
     ~TestProgram();
 
@@ -59,16 +56,12 @@ public:
     QString plistPath() const { return configFolder() + "/com.Morlane.Vantrel.plist"; }
     QString bundlePath() const { return home.path() + "/Vantrel.app"; }
     QString autostartFolder() const { return configFolder() + "/autostart"; }
-    // Writes a preference file before the program reads it.
-    void writePlist(const QByteArray &xml) const;
+    void writePlist(const QByteArray &xml) const; // before the program reads it
 
-    // The capture command puts this picture (or text, or nothing) on the clipboard.
+    // The capture command puts this picture (or these bytes) on the clipboard.
     void captureGives(const QImage &picture);
-    void captureGivesText(const QString &text);
     void captureGivesBytes(const QByteArray &bytes, const QString &mime);
-    void captureGivesNothing();
-    // One press of the hot key, delivered as the platform would.
-    void pressHotKey();
+    void pressHotKey(); // delivered as the platform would
 
     QTemporaryDir home;
     std::unique_ptr<fw::Services> services;
@@ -79,7 +72,6 @@ public:
 
     // The fakes of the dialogs and the keyboard.
     QList<fw::ExportFormat> dialogsShown;
-    std::function<void(fw::ExporterSettings &)> editSettings;
     bool confirmSettings = true;
     bool shiftDown = false;
     QStringList saveAsShown;

@@ -1,0 +1,444 @@
+// What the program keeps on disk: the typed preference store, the bundle's tray flag, the
+// autostart entries, and the writes that must never lose what was there.
+
+#include "TestSupport.h"
+
+#include "editor/Window1.h"
+#include "output/OutputNaming.h"
+#include "platform/AtomicFile.h"
+#include "platform/DesktopEntry.h"
+#include "platform/Failure.h"
+#include "platform/GraphicsExporter.h"
+#include "platform/LoginItems.h"
+#include "platform/PlistStore.h"
+#include "platform/TemporaryFolder.h"
+#include "prefs/HideDockIcon.h"
+#include "prefs/LaunchMeAtLogin.h"
+
+#include <QProcess>
+#include <QScopeGuard>
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+void write(const QString &path, const QByteArray &bytes)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile f(path);
+    f.open(QIODevice::WriteOnly);
+    f.write(bytes);
+}
+
+QByteArray readAll(const QString &path)
+{
+    QFile f(path);
+    f.open(QIODevice::ReadOnly);
+    return f.readAll();
+}
+
+QByteArray plistWith(const QByteArray &body) { return "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>" + body + "</dict></plist>\n"; }
+
+// "file|name|launched path" for each login item in list order, then "file|off" for each other
+// file of the folder (an entry the desktop switched off).
+QStringList describe(const QString &folder)
+{
+    QStringList out;
+    fw::LoginItems items(folder);
+    const QStringList files = items.entries();
+    for (int i = 0; i < files.size(); ++i)
+        out << QFileInfo(files[i]).fileName() + "|" + items.OldLoginItemPropertyAtIndex(2, i, false) + "|" +
+                   items.OldLoginItemPropertyAtIndex(1, i, false);
+    for (const QFileInfo &f : QDir(folder).entryInfoList(QDir::Files | QDir::Hidden, QDir::Name))
+        if (!files.contains(f.absoluteFilePath())) out << f.fileName() + "|off";
+    return out;
+}
+} // namespace
+
+class StoreTest : public QObject {
+    Q_OBJECT
+private slots:
+    void everyTypeSurvivesASynchronizeAndANewReader()
+    {
+        QTemporaryDir dir;
+        fw::PreferenceDomains domains(dir.path()), other(dir.path());
+        fw::CFPreferences p(domains), sameDomains(domains);
+        p.SetAppValue("s", fw::NewCFString("naïve \"quoted\" <text>"), "d");
+        p.SetAppValue("b", fw::NewCFBinaryData(QByteArray("\0\x01\xff", 3)), "d");
+        p.SetAppValue("t", fw::NewCFBoolean(true), "d");
+        p.SetAppValue("i", fw::NewCFNumberInteger(-5), "d");
+        p.SetAppValue("u", fw::NewCFURL(QUrl::fromLocalFile("/tmp/a b")), "d");
+        QCOMPARE(sameDomains.CopyAppValue("i", "d")->toInteger(), qint64(-5)); // seen at once
+        QVERIFY(!QFile::exists(domains.pathOf("d")));                          // lasts only once synchronised
+        QVERIFY(p.AppSynchronize("d"));
+        fw::PreferenceDomains fresh(dir.path());
+        fw::CFPreferences r(fresh);
+        QCOMPARE(r.CopyAppValue("s", "d")->toString(), QString("naïve \"quoted\" <text>"));
+        QCOMPARE(r.CopyAppValue("b", "d")->toData(), QByteArray("\0\x01\xff", 3));
+        QCOMPARE(r.CopyAppValue("t", "d")->toBoolean(), true);
+        QCOMPARE(r.CopyAppValue("u", "d")->toUrl(), QUrl::fromLocalFile("/tmp/a b"));
+        QCOMPARE(r.CopyAppValue("missing", "d"), fw::StoreObject());
+        QCOMPARE(r.CopyAppIntegerValue("missing", "d"), qint64(0));
+        QVERIFY_THROWS_EXCEPTION(fw::IllegalCastException, r.CopyAppValue("s", "d")->toData());
+        QVERIFY_THROWS_EXCEPTION(fw::IllegalCastException, r.CopyAppValue("t", "d")->toString());
+        r.SetAppValue("k", fw::NewCFString("v"), ""); // an unset domain answers as absent
+        QCOMPARE(r.CopyAppValue("k", ""), fw::StoreObject());
+        QCOMPARE(r.AppSynchronize(""), false);
+        // Another writer's keys, and types the program doesn't know, survive a synchronise.
+        fw::CFPreferences theirs(other);
+        theirs.SetAppValue("Theirs", fw::NewCFString("1"), "d");
+        theirs.AppSynchronize("d");
+        write(dir.path() + "/e.plist", plistWith("<key>Ratio</key><real>0.5</real><key>L</key><array/>"));
+        r.SetAppValue("Mine", fw::NewCFString("2"), "d");
+        r.SetAppValue("Mine", fw::NewCFString("2"), "e");
+        r.AppSynchronize("d");
+        r.AppSynchronize("e");
+        fw::PreferenceDomains last(dir.path());
+        QVERIFY(fw::CFPreferences(last).CopyAppValue("Theirs", "d"));
+        QVERIFY(readAll(dir.path() + "/e.plist").contains("<real>0.5"));
+    }
+
+    void unreadableFilesReadAsEmptyAndAreKeptOnWrite()
+    {
+        for (const QByteArray &contents :
+             {QByteArray("this is not a property list"), QByteArray(),
+              plistWith("<key>LastScale</key><string>150</string>").left(70), QByteArray("bplist00\x01\x02garbage", 17),
+              QByteArray("<plist><array/></plist>")}) {
+            QTemporaryDir dir;
+            fw::PreferenceDomains domains(dir.path());
+            write(domains.pathOf("d"), contents);
+            fw::CFPreferences p(domains);
+            QCOMPARE(p.CopyAppValue("LastScale", "d"), fw::StoreObject());
+            p.SetAppValue("LastScale", fw::NewCFString("75"), "d");
+            QVERIFY(p.AppSynchronize("d"));
+            const QStringList all = QDir(dir.path()).entryList(QDir::Files | QDir::Hidden);
+            QCOMPARE(all.size(), 2);
+            QVERIFY2(readAll(dir.filePath(all.first() == "d.plist" ? all.last() : all.first())) == contents,
+                     "the unreadable file is kept beside the new one");
+        }
+    }
+
+    void aKilledWriterLeavesTheOldFileOrTheNewOneWhole()
+    {
+        QTemporaryDir dir;
+        for (int round = 0; round < 15; ++round) {
+            const pid_t child = ::fork();
+            if (child == 0) {
+                fw::PreferenceDomains domains(dir.path());
+                fw::CFPreferences p(domains);
+                for (int i = 0;; ++i) {
+                    p.SetAppValue("Blob", fw::NewCFBinaryData(QByteArray(512 * 1024, 'x') + QByteArray::number(i)), "d");
+                    p.AppSynchronize("d");
+                }
+            }
+            ::usleep(3000 + round * 1700);
+            ::kill(child, SIGKILL);
+            ::waitpid(child, nullptr, 0);
+            if (QFile::exists(dir.filePath("d.plist")))
+                QCOMPARE(int(fw::plistfile::load(dir.filePath("d.plist")).state), int(fw::plistfile::State::Ok));
+        }
+    }
+
+    void stringFunctions_absenceTypesAndFailures()
+    {
+        TestProgram t(false);
+        Preferences &m = *t.prefs;
+        QVERIFY_THROWS_EXCEPTION(fw::NilObjectException, m.prefgetstringvalue(PrefKeys::LastScale));
+        m.initprefs();
+        QCOMPARE(m.prefgetstringvalue(PrefKeys::LastScale), QString());
+        m.prefaddstringvalue(PrefKeys::LastScale, QString("150"));
+        QVERIFY2(QFile::exists(t.plistPath()), "a string write synchronises");
+        // Bytes that are no text make no string: the stored value stays.
+        m.prefaddstringvalue(PrefKeys::LastScale, QByteArray("\xff\xfe\x00", 3));
+        QCOMPARE(m.prefgetstringvalue(PrefKeys::LastScale), QString("150"));
+        m.MyPref->SetAppValue(PrefKeys::LastScale.str(), fw::NewCFNumberInteger(150), m.appname);
+        QVERIFY_THROWS_EXCEPTION(fw::IllegalCastException, m.prefgetstringvalue(PrefKeys::LastScale));
+    }
+
+    void editorCreation_readsSettingsAndDefaultFolder()
+    {
+        const QByteArray url = "<key>DefaultFolder</key><dict><key>CFURL</key><string>file://HOME/";
+        // stored, settings taken, folder ("desktop", "nil", or under home), message
+        const struct { QByteArray body, settings; QString folder, message; } cases[] = {
+            {"", "", "desktop", ""},
+            {"<key>Settings</key><data>AAEC</data>", QByteArray("\0\1\2", 3), "desktop", ""},
+            {"<key>Settings</key><string>quality=90</string>", "", "desktop", ""}, // text is ignored
+            {url + "Pictures</string></dict>", "", "HOME/Pictures", ""},
+            {url + "note.txt</string></dict>", "", "nil", ""}, // a file is no folder
+            {"<key>DefaultFolder</key><string>/tmp</string>", "", "nil", "An Error Ocurred at OpenEditor"},
+        };
+        for (const auto &c : cases) {
+            TestProgram t(false);
+            QDir().mkpath(t.home.path() + "/Pictures");
+            write(t.home.path() + "/note.txt", "");
+            t.writePlist(plistWith(QByteArray(c.body).replace("HOME", t.home.path().toUtf8())));
+            t.app->_Startup();
+            Window1 *w = t.app->windows().existing<Window1>();
+            QCOMPARE(w->settings, c.settings);
+            const QString folder = QString(c.folder).replace("HOME", t.home.path()).replace("desktop", t.home.path() + "/Desktop");
+            QCOMPARE(w->DefaultFolder ? w->DefaultFolder->absolutePath() : "nil", folder);
+            QCOMPARE(t.app->messages, c.message.isEmpty() ? QStringList() : QStringList{c.message});
+            QCOMPARE(t.keys->claims.isEmpty(), !c.message.isEmpty());
+        }
+    }
+
+    void trayFlag_readAndWrite()
+    {
+        const QByteArray k = "<key>LSUIElement</key>";
+        // inside <dict>, action ("read", "launch", "hide", "show"), what is read or written
+        const struct { QByteArray body; const char *action, *expected; } cases[] = {
+            {"", "read", "false"},
+            {k + "<integer>1</integer>", "read", "true"},
+            {k + "<integer>2</integer>", "read", "false"},
+            {k + "<string>1</string>", "read", "raises"},
+            // At launch no type of value stops the program.
+            {k + "<string>1</string>", "launch", "true"},
+            {k + "<true/>", "launch", "true"},
+            {k + "<date>2026-01-01T00:00:00Z</date>", "launch", "false"},
+            {"", "show", "0"},
+            {k + "<string>x</string>", "hide", "1"},
+        };
+        for (const auto &c : cases) {
+            QTemporaryDir dir;
+            const QString bundle = dir.path() + "/Vantrel.app", info = bundle + "/Contents/Info.plist";
+            write(info, plistWith("<key>CFBundleName</key><string>Vantrel</string>" + c.body));
+            const QString action = c.action, expected = c.expected;
+            if (action == "launch") QCOMPARE(dockicon::hiddenAtLaunch(bundle), expected == "true");
+            else if (expected == "raises") QVERIFY_THROWS_EXCEPTION(fw::IllegalCastException, dockicon::isHidden(bundle));
+            else if (action == "read") QCOMPARE(dockicon::isHidden(bundle), expected == "true");
+            else {
+                dockicon::setHidden(bundle, action == "hide");
+                const QByteArray written = readAll(info);
+                QVERIFY(written.contains(k + "\n\t<integer>" + expected.toUtf8() + "</integer>"));
+                QVERIFY(written.contains("<string>Vantrel</string>"));
+            }
+        }
+    }
+
+    // A missing or broken file reads false and is never written; a bundle the user can't write
+    // is left alone and the user's own copy takes the change.
+    void trayFlag_brokenFilesAndReadOnlyBundles()
+    {
+        QTemporaryDir dir;
+        dockicon::setHidden(dir.path() + "/Nowhere.app", true);
+        QVERIFY(!QFile::exists(dir.path() + "/Nowhere.app"));
+        write(dir.path() + "/Bad.app/Contents/Info.plist", "garbage");
+        QVERIFY(!dockicon::isHidden(dir.path() + "/Bad.app"));
+        dockicon::setHidden(dir.path() + "/Bad.app", true);
+        QCOMPARE(readAll(dir.path() + "/Bad.app/Contents/Info.plist"), QByteArray("garbage"));
+
+        const QString bundle = dir.path() + "/Vantrel.app", config = dir.path() + "/config";
+        write(bundle + "/Contents/Info.plist", "<plist><dict/></plist>");
+        QDir().mkpath(config);
+        QFile::setPermissions(bundle + "/Contents", QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther | QFile::ExeOther);
+        QFile::setPermissions(dir.path(), QFile::Permissions(0x7777));
+        QFile::setPermissions(config, QFile::Permissions(0x7777));
+        qputenv("XDG_CONFIG_HOME", config.toUtf8());
+        const uid_t was = ::geteuid(); // root writes through permissions: be an ordinary user
+        if (was == 0) QVERIFY(::setegid(65534) == 0 && ::seteuid(65534) == 0);
+        dockicon::setHidden(bundle, true);
+        const bool hidden = dockicon::isHidden(bundle), atLaunch = dockicon::hiddenAtLaunch(bundle);
+        if (was == 0) QVERIFY(::seteuid(0) == 0 && ::setegid(0) == 0);
+        qunsetenv("XDG_CONFIG_HOME");
+        QFile::setPermissions(bundle + "/Contents", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QCOMPARE(readAll(bundle + "/Contents/Info.plist"), QByteArray("<plist><dict/></plist>"));
+        QVERIFY(hidden && atLaunch); // the user's own copy took the change
+    }
+
+    void loginWalk()
+    {
+        struct Entry { QString file, name, program, extra; };
+        const QString B = "BUNDLE", exe = B + "/Contents/MacOS/Vantrel", ours = "Vantrel.desktop|Vantrel.app|" + B;
+        const QList<Entry> moved = {{"a.desktop", "Vantrel.app", "/old/Vantrel.app/Contents/MacOS/Vantrel", ""}};
+        const QList<Entry> renamed = {{"b.desktop", "Capture", exe, ""}};
+        const QList<Entry> on = {{"v.desktop", "Vantrel.app", exe, ""}};
+        const QList<Entry> twoStale = {{"a.desktop", "Vantrel.app", "/x/Vantrel.app/Contents/MacOS/Vantrel", ""},
+                                       {"b.desktop", "Vantrel.app", "/y/Vantrel.app/Contents/MacOS/Vantrel", ""}};
+        const QList<Entry> otherCase = {{"v.desktop", "VANTREL.APP", "UPPER", ""}};
+        const QList<Entry> mixed = {{"mail.desktop", "Mail", "/usr/bin/mail-client", ""}, on.first()};
+        // entries before, call ("get", "on", "off", "on twice"), what get says, the folder after
+        struct Case { QList<Entry> before; QString call; bool got; QStringList after; };
+        QList<Case> cases = {
+            {{}, "get", false, {}},
+            {{}, "on", false, {ours}},
+            {{}, "off", false, {}},
+            {moved, "get", false, {"a.desktop|Vantrel.app|/old/Vantrel.app"}},
+            {moved, "on", false, {ours}}, // the stale entry is replaced
+            {renamed, "get", true, {"b.desktop|Capture|" + B}},
+            {renamed, "off", false, {"b.desktop|Capture|" + B}},
+            {renamed, "on", false, {ours, "b.desktop|Capture|" + B}},
+            {on, "on", false, {"v.desktop|Vantrel.app|" + B}},
+            {on, "off", false, {}},
+            {twoStale, "on", false, {ours, "b.desktop|Vantrel.app|/y/Vantrel.app"}}, // one per call
+            {twoStale, "on twice", false, {ours}},
+            {otherCase, "get", true, {"v.desktop|VANTREL.APP|BIG"}},
+            {otherCase, "on", false, {"v.desktop|VANTREL.APP|BIG"}},
+            {mixed, "off", false, {"mail.desktop|Mail|/usr/bin/mail-client"}},
+        };
+        // A desktop's "off" switch: no login item, and "on" switches it on instead of adding one.
+        for (const char *off : {"Hidden=true\n", "X-GNOME-Autostart-enabled=false\n"}) {
+            const QList<Entry> offEntry = {{"Vantrel.desktop", "Vantrel.app", exe, off}};
+            cases << Case{offEntry, "get", false, {"Vantrel.desktop|off"}} << Case{offEntry, "on", false, {ours}}
+                  << Case{offEntry, "off", false, {"Vantrel.desktop|off"}};
+        }
+        for (const Case &c : cases) {
+            QTemporaryDir dir;
+            const QString bundle = dir.path() + "/Apps/Vantrel.app", folder = dir.path() + "/autostart";
+            auto expand = [&](QString s) {
+                return s.replace("BUNDLE", bundle)
+                    .replace("UPPER", (bundle + "/Contents/MacOS/Vantrel").toUpper())
+                    .replace("BIG", bundle.toUpper());
+            };
+            QDir().mkpath(folder);
+            for (const Entry &e : c.before) {
+                QString text = fw::desktopentry::applicationEntry(e.name, {expand(e.program)}, "test");
+                if (e.extra.startsWith("X-GNOME")) text.remove("X-GNOME-Autostart-enabled=true\n");
+                write(folder + "/" + e.file, (text + e.extra).toUtf8());
+            }
+            bool result = false;
+            if (c.call == "get") result = loginitems::getLaunchAtLogin(bundle, folder);
+            if (c.call.startsWith("on")) loginitems::setLaunchAtLogin(true, bundle, folder);
+            if (c.call == "on twice") loginitems::setLaunchAtLogin(true, bundle, folder);
+            if (c.call == "off") loginitems::setLaunchAtLogin(false, bundle, folder);
+            QCOMPARE(result, c.got);
+            QStringList expected;
+            for (const QString &s : c.after) expected << expand(s);
+            QCOMPARE(describe(folder), expected);
+        }
+    }
+
+    // Our entry validates, and GLib's launcher and dex both start the program from it wherever
+    // the bundle lies; off leaves nothing behind.
+    void loginItem_startsUnderEveryLauncher()
+    {
+        for (const QString folder : {"Apps", " My Apps/zoë", "100%", "$HOME", "it's \"odd\" `x` back\\slash"}) {
+            QTemporaryDir dir;
+            const QString bundle = dir.path() + "/" + folder + "/Vantrel.app", marker = dir.path() + "/started";
+            const QString program = bundle + "/Contents/MacOS/Vantrel", autostart = dir.path() + "/config/autostart";
+            write(program, QString("#!/bin/sh\nprintf '%s' \"$0\" > '%1'\n").arg(marker).toUtf8());
+            QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner);
+            loginitems::setLaunchAtLogin(true, bundle, autostart);
+            QVERIFY(loginitems::getLaunchAtLogin(bundle, autostart));
+            const QString entry = autostart + "/Vantrel.desktop";
+            QProcess validate;
+            validate.start("desktop-file-validate", {entry});
+            validate.waitForFinished();
+            QVERIFY2(validate.exitCode() == 0 && validate.readAllStandardOutput().isEmpty(), qPrintable(readAll(entry)));
+            for (const QStringList &launcher : {QStringList{"gio", "launch", entry}, QStringList{"dex", entry}}) {
+                QFile::remove(marker);
+                QProcess::execute(launcher.first(), launcher.mid(1));
+                QTRY_VERIFY2_WITH_TIMEOUT(QFile::exists(marker), qPrintable(launcher.first() + " " + folder), 5000);
+                QCOMPARE(QFileInfo(QString::fromUtf8(readAll(marker))).canonicalFilePath(),
+                         QFileInfo(program).canonicalFilePath());
+            }
+            loginitems::setLaunchAtLogin(false, bundle, autostart);
+            QVERIFY(describe(autostart).isEmpty());
+            QVERIFY(QDir(dir.path() + "/config/Vantrel/login-items").isEmpty());
+        }
+        // A disk too full for the entry leaves no file at all, empty or half written.
+        QTemporaryDir dir;
+        struct rlimit old = {};
+        ::getrlimit(RLIMIT_FSIZE, &old);
+        const auto restore = qScopeGuard([&] { ::setrlimit(RLIMIT_FSIZE, &old); });
+        ::signal(SIGXFSZ, SIG_IGN);
+        struct rlimit tiny = {16, old.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &tiny);
+        loginitems::setLaunchAtLogin(true, dir.path() + "/Vantrel.app", dir.path() + "/autostart");
+        ::setrlimit(RLIMIT_FSIZE, &old);
+        QCOMPARE(QDir(dir.path() + "/autostart").entryList(QDir::Files | QDir::Hidden), QStringList{});
+    }
+
+    // Save as over what the user had: the file keeps its mode, a link keeps leading to the file
+    // it led to, a hard link's other name shows the new picture too.
+    void writingOverAFile_keepsWhatTheUserHad()
+    {
+        for (const QString kind : {"private", "symlink", "hardlink"}) {
+            QTemporaryDir dir;
+            const QString target = dir.path() + "/real.png", chosen = dir.path() + "/chosen.png";
+            write(target, "the old picture");
+            QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner);
+            if (kind == "symlink") QVERIFY(QFile::link("real.png", chosen));
+            if (kind == "hardlink") QVERIFY(::link(QFile::encodeName(target), QFile::encodeName(chosen)) == 0);
+            fw::GraphicsExporter e(nullptr);
+            e.OpenExporter("PNGf");
+            e.InputPicture = patternImage(20, 10);
+            e.OutputFile = kind == "private" ? target : chosen;
+            QCOMPARE(e.Export(), 0);
+            QCOMPARE(QImage(target).size(), QSize(20, 10));
+            struct stat st = {};
+            QCOMPARE(::stat(QFile::encodeName(target), &st), 0);
+            QCOMPARE(int(st.st_mode & 0777), 0600);
+            if (kind == "symlink") QCOMPARE(QFileInfo(chosen).symLinkTarget(), target);
+            if (kind == "hardlink") QCOMPARE(QFileInfo(chosen).size(), QFileInfo(target).size());
+            QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden).size(), kind == "private" ? 1 : 2);
+        }
+    }
+
+    // A name can be taken after the search, before the file lands: what arrived stays intact and
+    // the capture goes under the next free name.
+    void aFileThatTookTheNameMeanwhileIsNeverReplaced()
+    {
+        QTemporaryDir dir;
+        fw::GraphicsExporter e(nullptr);
+        e.OpenExporter("JPEG");
+        e.InputPicture = patternImage(20, 10);
+        e.OutputFileMustBeNew = true;
+        auto search = [&] {
+            e.OutputFile = dir.filePath(
+                output::quickSaveName("jpg", [&](const QString &n) { return output::nameTaken(dir.filePath(n)); }));
+        };
+        search();
+        write(e.OutputFile, "someone else's");
+        QCOMPARE(output::exportUnderFreeName(e, search), 0);
+        QCOMPARE(readAll(dir.filePath("Capture.jpg")), QByteArray("someone else's"));
+        QCOMPARE(QImage(dir.filePath("Capture1.jpg")).size(), QSize(20, 10));
+    }
+
+    // A writer killed between its write and its rename leaves a temporary file; the next write
+    // in that folder removes it. A folder that is gone is not made again.
+    void aKilledWritersLeftovers_goAtTheNextWrite()
+    {
+        QTemporaryDir dir;
+        const pid_t child = ::fork();
+        if (child == 0) {
+            fw::writeNewFile(dir.filePath("Capture.jpg"), QByteArray(256 << 20, 'x'));
+            ::_exit(0);
+        }
+        auto leftovers = [&] {
+            QStringList names = QDir(dir.path()).entryList(QDir::Files | QDir::Hidden);
+            names.removeIf([](const QString &n) { return !fw::isTemporaryName(n); });
+            return names.size();
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(leftovers() == 1, 10000);
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+        QVERIFY(!QFile::exists(dir.filePath("Capture.jpg")));
+        QCOMPARE(fw::writeNewFile(dir.filePath("Capture.jpg"), "picture"), fw::NewFileResult::Written);
+        QCOMPARE(leftovers(), 0);
+        QCOMPARE(fw::writeNewFile(dir.filePath("gone/Capture.jpg"), "picture"), fw::NewFileResult::Failed);
+        QVERIFY(!QFileInfo::exists(dir.filePath("gone")));
+    }
+
+    void privateTemporaryFolder_refusesALinkAndTightensItsMode()
+    {
+        QTemporaryDir dir;
+        const QString runtime = dir.path() + "/runtime";
+        QDir().mkpath(dir.path() + "/elsewhere");
+        QDir().mkpath(runtime);
+        QFile::setPermissions(runtime, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        qputenv("XDG_RUNTIME_DIR", runtime.toUtf8());
+        QFile::link(dir.path() + "/elsewhere", runtime + "/Vantrel");
+        QCOMPARE(fw::privateTemporaryFolder(), QString());
+        QFile::remove(runtime + "/Vantrel");
+        QDir().mkpath(runtime + "/Vantrel");
+        QFile::setPermissions(runtime + "/Vantrel", QFile::Permissions(0x7777));
+        QCOMPARE(fw::privateTemporaryFolder(), runtime + "/Vantrel");
+        QCOMPARE(int(QFileInfo(runtime + "/Vantrel").permissions() & 0x0077), 0);
+        qunsetenv("XDG_RUNTIME_DIR");
+    }
+};
+
+QTEST_MAIN(StoreTest)
+#include "tst_store.moc"
