@@ -10,7 +10,7 @@ libmagick++-6.q16-dev
 imagemagick xclip xdotool xvfb x11-utils x11-xserver-utils xdg-utils poppler-utils
 dbus at-spi2-core python3 python3-pyatspi gir1.2-atspi-2.0 python3-pil netpbm file trayer
 desktop-file-utils appstream lintian dpkg-dev dex libglib2.0-bin
-slop maim openbox xcompmgr
+slop maim openbox xcompmgr wmctrl
 xdg-desktop-portal python3-dbus python3-dbusmock
 sway swaybg xwayland pipewire xdg-desktop-portal-wlr xdg-desktop-portal-gtk grim wtype
 fonts-dejavu-core"

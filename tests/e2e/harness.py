@@ -1,8 +1,8 @@
-"""End-to-end harness: a private Xvfb, a temporary HOME and XDG folders, fake external
-commands on PATH, and helpers to look at and drive the real X windows of the built bundle."""
+"""End-to-end driver: a private Xvfb under openbox (and a compositor or a panel when asked), a
+temporary HOME and XDG folders, fake external commands on PATH, and the keys, clicks, windows,
+screenshots and AT-SPI widgets of the real program."""
 
 import argparse
-import ctypes
 import os
 import shutil
 import subprocess
@@ -12,103 +12,131 @@ import time
 import unittest
 
 DEVNULL = subprocess.DEVNULL
+BUNDLE = None  # the bundle under test, from --bundle
 
 
-class Xvfb:
-    def __init__(self, width=1280, height=1024):
-        self.width, self.height = width, height
-        r, w = os.pipe()
-        self.proc = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(w), "-screen", "0", f"{width}x{height}x24",
-             "-nolisten", "tcp", "-noreset"],
-            pass_fds=(w,), stdout=DEVNULL, stderr=DEVNULL)
-        os.close(w)
-        num = b""
-        while not num.endswith(b"\n"):
-            chunk = os.read(r, 16)
-            if not chunk:
-                raise RuntimeError("Xvfb did not start")
-            num += chunk
-        os.close(r)
-        self.name = ":" + num.decode().strip()
+def wait_for(predicate, timeout=5.0, step=0.05):
+    """Polls until predicate() is truthy; returns its last value."""
+    end = time.monotonic() + timeout
+    value = predicate()
+    while not value and time.monotonic() < end:
+        time.sleep(step)
+        value = predicate()
+    return value
 
-    def close(self):
-        self.proc.terminate()
-        try:
-            self.proc.wait(5)
-        except subprocess.TimeoutExpired:
-            self.proc.kill()
+
+def read(path, mode="r"):
+    with open(path, mode) as f:
+        return f.read()
+
+
+def expected_content_origin(s, wid, width, height, panel=0):
+    """Where the editor's content of this size must stand: centred in the work area less the
+    window's bars and frame, and not above 100."""
+    x, y, w, h = s.geometry(wid)
+    left, right, top, bottom = s.frame_extents(wid)
+    bars = h - height
+    return (left + max((1280 - left - right - width) // 2, 0),
+            panel + top + bars + max((1024 - panel - bars - top - bottom - height) // 2, 100))
 
 
 class Session:
-    """One run of the program with its own home and display."""
+    """One display (Xvfb, openbox, maybe a compositor) and one home for runs of the program."""
 
-    def __init__(self, bundle, xvfb):
-        self.bundle = bundle
-        self.xvfb = xvfb
+    def __init__(self, compositor=False, top_panel=0, dpi=None):
         self.tmp = tempfile.mkdtemp(prefix="vantrel-e2e-")
-        self.home = os.path.join(self.tmp, "home")
-        self.bin = os.path.join(self.tmp, "bin")
-        self.config = os.path.join(self.home, ".config")
-        runtime = os.path.join(self.tmp, "runtime")
+        self.home, self.bin = os.path.join(self.tmp, "home"), os.path.join(self.tmp, "bin")
+        self.config, runtime = os.path.join(self.home, ".config"), os.path.join(self.tmp, "runtime")
         for d in (self.home, self.bin, self.config, runtime):
-            os.makedirs(d, exist_ok=True)
-        os.chmod(runtime, 0o700)
-        keep = {k: v for k, v in os.environ.items() if k in ("LANG", "LC_ALL", "TERM")}
-        self.env = dict(keep,
-                        HOME=self.home, DISPLAY=xvfb.name, XDG_CONFIG_HOME=self.config,
-                        XDG_DATA_HOME=os.path.join(self.home, ".local/share"),
+            os.makedirs(d, mode=0o700, exist_ok=True)
+        r, w = os.pipe()
+        self.procs = [subprocess.Popen(["Xvfb", "-displayfd", str(w), "-screen", "0", "1280x1024x24", "-nolisten",
+                                        "tcp", "-noreset"], pass_fds=(w,), stdout=DEVNULL, stderr=DEVNULL)]
+        os.close(w)
+        display = b""
+        while not display.endswith(b"\n"):
+            display += os.read(r, 16) or sys.exit("Xvfb did not start")
+        os.close(r)
+        self.env = dict({k: v for k, v in os.environ.items() if k in ("LANG", "LC_ALL", "TERM")},
+                        HOME=self.home, DISPLAY=":" + display.decode().strip(), XDG_CONFIG_HOME=self.config,
+                        XDG_DATA_HOME=os.path.join(self.home, ".local/share"), XDG_RUNTIME_DIR=runtime,
                         XDG_CACHE_HOME=os.path.join(self.home, ".cache"),
-                        XDG_RUNTIME_DIR=runtime,
                         # No session bus unless a test brings one: never autolaunch a daemon.
                         DBUS_SESSION_BUS_ADDRESS="unix:path=" + os.path.join(runtime, "no-bus"),
                         PATH=self.bin + ":/usr/local/bin:/usr/bin:/bin")
-        self.proc = None
-        self.log = os.path.join(self.tmp, "vantrel.log")
+        if dpi:
+            self.run("sh", "-c", f"echo 'Xft.dpi: {dpi}' | xrdb -merge")
+        rc = os.path.join(self.tmp, "openbox.xml")  # a panel keeps space free at the top
+        with open(rc, "w") as f:
+            f.write(f'<openbox_config xmlns="http://openbox.org/3.4/rc"><margins><top>{top_panel}</top></margins>'
+                    '</openbox_config>')
+        self.daemon("openbox", "--sm-disable", "--config-file", rc)
+        wait_for(lambda: "WINDOW" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK", check=False).stdout)
+        if compositor:
+            self.daemon("xcompmgr")
+            time.sleep(0.3)
+        self.proc, self.logf = None, None
 
-    # --- fakes -----------------------------------------------------------------------------
+    def daemon(self, *argv):
+        self.procs.append(subprocess.Popen(list(argv), env=self.env, stdout=DEVNULL, stderr=DEVNULL))
+        return self.procs[-1]
+
+    def close(self):
+        self.stop()
+        for p in reversed(self.procs):
+            p.terminate()
+            try:
+                p.wait(5)
+            except subprocess.TimeoutExpired:
+                p.kill()
+        shutil.rmtree(self.tmp, ignore_errors=True)
+
+    # --- pictures and the fake capture command ----------------------------------------------
+    def picture(self, name, size, *spec):
+        """A PNG made by ImageMagick: `spec` as convert's arguments after -size, e.g. xc:navy."""
+        path = os.path.join(self.tmp, name)
+        self.run("convert", "-size", size, *spec, "-depth", "8", "-strip", "PNG24:" + path)
+        return path
+
     def fake_capture(self, script_body):
-        """Installs a `screencapture` that runs the given shell body and records its argv."""
+        """Installs a `screencapture` that records its argv and runs the given shell body."""
         path = os.path.join(self.bin, "screencapture")
         with open(path, "w") as f:
-            f.write("#!/bin/sh\n")
-            f.write(f'echo "$@" >> "{self.tmp}/capture-calls"\n')
-            f.write(script_body + "\n")
+            f.write(f'#!/bin/sh\necho "$@" >> "{self.tmp}/capture-calls"\n{script_body}\n')
         os.chmod(path, 0o755)
 
-    def capture_puts(self, file, mime="image/png"):
-        self.fake_capture(f"xclip -selection clipboard -t {mime} -i '{file}' "
-                          "</dev/null >/dev/null 2>&1")
+    def capture_puts(self, file):
+        self.fake_capture(f"xclip -selection clipboard -t image/png -i '{file}' </dev/null >/dev/null 2>&1")
 
     def capture_calls(self):
-        try:
-            with open(os.path.join(self.tmp, "capture-calls")) as f:
-                return f.read().split("\n")[:-1]
-        except FileNotFoundError:
-            return []
+        path = os.path.join(self.tmp, "capture-calls")
+        return read(path).split("\n")[:-1] if os.path.exists(path) else []
 
-    # --- the program -----------------------------------------------------------------------
+    def clipboard(self, target="image/png"):
+        return subprocess.run(["xclip", "-o", "-selection", "clipboard", "-t", target], env=self.env,
+                              capture_output=True, timeout=5).stdout
+
+    # --- the program ---------------------------------------------------------------------------
     def start(self, wait_splash=True, exe=None):
-        exe = exe or os.path.join(self.bundle, "Contents", "MacOS", "Vantrel")
-        self.logf = open(self.log, "w")
-        self.proc = subprocess.Popen([exe], env=self.env, stdout=self.logf, cwd=self.home,
-                                     stderr=subprocess.STDOUT, stdin=DEVNULL)
-        if not wait_splash:
-            return self.proc
-        time.sleep(0.5)
-        # Start-up ends when the splash has gone.
-        wait_for(lambda: not [w for w in self.windows(name=".*") if self.role(w) == "splash"], 4.0)
-        time.sleep(0.2)
+        if self.logf:
+            self.logf.close()
+        self.logf = open(os.path.join(self.tmp, "vantrel.log"), "a")
+        self.proc = subprocess.Popen([exe or os.path.join(BUNDLE, "Contents", "MacOS", "Vantrel")], env=self.env,
+                                     stdout=self.logf, stderr=subprocess.STDOUT, stdin=DEVNULL, cwd=self.home)
+        if wait_splash:  # start-up ends when the splash has gone
+            time.sleep(0.5)
+            wait_for(lambda: not self.of_role("splash"), 4.0)
+            time.sleep(0.2)
         return self.proc
 
-    def capture_until_editor(self, tries=3, wait=1.5):
-        """Presses the hot key until the editor is mapped (a loaded machine may start slowly)."""
-        for _ in range(tries):
-            self.key("ctrl+shift+2")
-            editors = wait_for(self.editor_windows, timeout=wait)
-            if editors:
-                return editors
-        return []
+    def open_editor(self, picture=None):
+        """One press of the hot key; the editor's window once it is mapped, else None."""
+        if picture:
+            self.capture_puts(picture)
+        self.key("ctrl+shift+2")
+        editors = wait_for(lambda: self.of_role("editor"), 5.0)
+        time.sleep(0.3)  # the window manager settles it
+        return editors[0] if editors else None
 
     def alive(self):
         return self.proc is not None and self.proc.poll() is None
@@ -123,42 +151,41 @@ class Session:
         if self.alive():
             self.proc.kill()
             self.proc.wait(5)
-        if getattr(self, "logf", None):
+        if self.logf:
             self.logf.close()
 
-    def cleanup(self):
-        self.stop()
-        shutil.rmtree(self.tmp, ignore_errors=True)
-
-    # --- X helpers -------------------------------------------------------------------------
+    # --- X --------------------------------------------------------------------------------------
     def run(self, *argv, check=True):
-        return subprocess.run(list(argv), env=self.env, check=check, capture_output=True,
-                              text=True, timeout=60)
+        return subprocess.run(list(argv), env=self.env, check=check, capture_output=True, text=True, timeout=60)
 
     def key(self, *keys):
         self.run("xdotool", "key", *keys)
 
     def pointer(self, x, y):
         self.run("xdotool", "mousemove", str(x), str(y))
+        time.sleep(0.2)
 
     def click(self, x, y, button=1):
         self.run("xdotool", "mousemove", str(x), str(y), "click", str(button))
+        time.sleep(0.2)
 
     def windows(self, name="^Vantrel$", visible=True):
         argv = ["xdotool", "search"] + (["--onlyvisible"] if visible else []) + ["--name", name]
-        out = self.run(*argv, check=False).stdout.split()
-        return [int(w) for w in out]
+        return [int(w) for w in self.run(*argv, check=False).stdout.split()]
+
+    def own_windows(self):
+        return [int(w) for w in self.run("xdotool", "search", "--onlyvisible", "--pid", str(self.proc.pid),
+                                         check=False).stdout.split()]
 
     def role(self, wid):
         out = self.run("xprop", "-id", str(wid), "WM_WINDOW_ROLE", check=False).stdout
         return out.split('"')[1] if '"' in out else ""
 
-    def editor_windows(self, visible=True):
-        return [w for w in self.windows(visible=visible) if self.role(w) == "editor"]
+    def of_role(self, role):
+        return [w for w in self.windows(name=".*") if self.role(w) == role]
 
     def mapped(self, wid):
-        out = self.run("xwininfo", "-id", str(wid), check=False).stdout
-        return "IsViewable" in out
+        return "IsViewable" in self.run("xwininfo", "-id", str(wid), check=False).stdout
 
     def frame_extents(self, wid):
         """The window manager's frame around a window: left, right, top, bottom."""
@@ -166,149 +193,78 @@ class Session:
         return [int(v) for v in out.split("=")[1].split(",")] if "=" in out else [0, 0, 0, 0]
 
     def geometry(self, wid):
-        out = self.run("xwininfo", "-id", str(wid)).stdout
-        vals = {}
-        for line in out.splitlines():
-            line = line.strip()
-            for key in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"):
-                if line.startswith(key + ":"):
-                    vals[key] = int(line.split(":")[1])
-        return (vals["Absolute upper-left X"], vals["Absolute upper-left Y"],
-                vals["Width"], vals["Height"])
+        vals = dict(line.strip().split(":", 1) for line in self.run("xwininfo", "-id", str(wid)).stdout.splitlines()
+                    if ":" in line)
+        return tuple(int(vals[k]) for k in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
 
-    def screenshot(self, path):
-        self.run("import", "-silent", "-window", "root", path)
-        return path
+    def close_box(self, wid):
+        """What a click on the close box does: the window manager sends WM_DELETE_WINDOW."""
+        self.run("wmctrl", "-i", "-c", hex(wid))
 
-    def differing_pixels(self, a, b):
-        """Number of pixels that differ between two pictures of one size."""
-        r = self.run("compare", "-metric", "AE", a, b, "null:", check=False)
-        return int(float(r.stderr.split()[0]))
+    def screen_part(self, x, y, w, h, name="part.png"):
+        """A part of the screen as it shows now, as a PNG."""
+        shot = os.path.join(self.tmp, "screen.png")
+        self.run("import", "-silent", "-window", "root", shot)
+        return self.crop(shot, x, y, w, h, name)
 
-    def crop(self, src, dst, x, y, w, h):
+    def crop(self, src, x, y, w, h, name="crop.png"):
+        dst = os.path.join(self.tmp, name)
         self.run("convert", src, "-crop", f"{w}x{h}+{x}+{y}", "+repage", dst)
         return dst
 
-    def close_box(self, wid):
-        """What a window manager does for a click on the close box: WM_DELETE_WINDOW."""
-        x = ctypes.CDLL("libX11.so.6")
-        x.XOpenDisplay.restype = ctypes.c_void_p
-        x.XOpenDisplay.argtypes = [ctypes.c_char_p]
-        x.XInternAtom.restype = ctypes.c_ulong
-        x.XInternAtom.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int]
-        x.XSendEvent.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_long,
-                                 ctypes.c_void_p]
-        x.XFlush.argtypes = [ctypes.c_void_p]
-        x.XCloseDisplay.argtypes = [ctypes.c_void_p]
+    def differing_pixels(self, a, b):
+        return int(float(self.run("compare", "-metric", "AE", a, b, "null:", check=False).stderr.split()[0]))
 
-        class ClientMessage(ctypes.Structure):
-            _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong),
-                        ("send_event", ctypes.c_int), ("display", ctypes.c_void_p),
-                        ("window", ctypes.c_ulong), ("message_type", ctypes.c_ulong),
-                        ("format", ctypes.c_int), ("data", ctypes.c_long * 5)]
+    def size_of(self, path):
+        return self.run("identify", "-format", "%wx%h", path).stdout
 
-        class Event(ctypes.Union):
-            _fields_ = [("xclient", ClientMessage), ("pad", ctypes.c_long * 24)]
-
-        dpy = x.XOpenDisplay(self.xvfb.name.encode())
-        ev = Event()
-        ev.xclient.type = 33  # ClientMessage
-        ev.xclient.window = wid
-        ev.xclient.message_type = x.XInternAtom(dpy, b"WM_PROTOCOLS", 0)
-        ev.xclient.format = 32
-        ev.xclient.data[0] = x.XInternAtom(dpy, b"WM_DELETE_WINDOW", 0)
-        ev.xclient.data[1] = 0
-        x.XSendEvent(dpy, wid, 0, 0, ctypes.byref(ev))
-        x.XFlush(dpy)
-        x.XCloseDisplay(dpy)
-
-
-def wait_for(predicate, timeout=5.0, step=0.05):
-    """Polls until predicate() is truthy; returns its last value."""
-    end = time.monotonic() + timeout
-    value = predicate()
-    while not value and time.monotonic() < end:
-        time.sleep(step)
-        value = predicate()
-    return value
-
-
-def load_image_geometry(pic_w, pic_h, screen_w, screen_h):
-    """The editor's content area for a picture at 100 % on a screen with no panels."""
-    height = int(max(min(screen_h - 100, pic_h + 91), 250.0))
-    width = int(max(min(screen_w, pic_w + 16), 300.0))
-    left = int(max((screen_w - width) / 2.0, 0))
-    top = int(max((screen_h - height) / 2.0, 100.0))
-    return left, top, width, height
-
-
-def expected_content_origin(session, wid, pic_w, pic_h, screen_w=1280, screen_h=1024, panel=0):
-    """Where the editor's content must stand for a picture too small to reach the caps: the
-    formulas see the work area less the window's bars and frame (none on a bare server)."""
-    x, y, w, h = session.geometry(wid)
-    left, right, top, bottom = session.frame_extents(wid)
-    bars = h - max(pic_h + 91, 250)
-    cx, cy, _, _ = load_image_geometry(pic_w, pic_h, screen_w - left - right,
-                                       screen_h - panel - bars - top - bottom)
-    return left + cx, panel + top + bars + cy
+    def rgb_rows(self, path):
+        """The picture's pixels as rows of (r, g, b)."""
+        w, h = map(int, self.size_of(path).split("x"))
+        raw = subprocess.run(["convert", path, "-depth", "8", "rgb:-"], capture_output=True, check=True).stdout
+        return [[tuple(raw[(y * w + x) * 3:(y * w + x) * 3 + 3]) for x in range(w)] for y in range(h)]
 
 
 class A11y:
-    """The program's widgets through AT-SPI. Needs the test and the program on one session bus
-    (run the test inside dbus-run-session) and Debian's python3 with pyatspi."""
+    """The program's widgets through AT-SPI: the test and the program share the session bus that
+    with_session_bus.sh made; Debian's python3 brings pyatspi."""
 
     def __init__(self, session):
-        import pyatspi  # noqa: F401  (Debian's python3-pyatspi)
+        import pyatspi
         self.pyatspi = pyatspi
         session.env.update(DBUS_SESSION_BUS_ADDRESS=os.environ.get("DBUS_SESSION_BUS_ADDRESS", ""),
                            QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", GSETTINGS_BACKEND="memory")
         pyatspi.Registry.getDesktop(0)  # starts the registry before the program looks for it
 
-    def app(self):
-        for a in self.pyatspi.Registry.getDesktop(0):
-            if a is not None and a.name == "Vantrel":
-                try:
-                    a.clearCache()  # a tree read before the program finished building it
-                except Exception:
-                    pass
-                return a
-        return None
-
-    def find(self, role, name, root=None):
-        root = root or self.app()
-        if root is None:
-            return None
-        stack = [root]
+    def find(self, role, name):
+        apps = [a for a in self.pyatspi.Registry.getDesktop(0) if a is not None and a.name == "Vantrel"]
+        stack = apps[:1]
+        if apps:
+            try:
+                apps[0].clearCache()  # a tree read before the program finished building it
+            except Exception:
+                pass
         while stack:
             n = stack.pop()
             try:
                 if n.getRoleName() == role and n.name == name:
                     return n
-                count = n.childCount
+                stack += [c for c in (n.getChildAtIndex(i) for i in range(n.childCount)) if c is not None]
             except Exception:  # a node that went away while walking
                 continue
-            for i in range(count):
-                try:
-                    c = n.getChildAtIndex(i)
-                except Exception:
-                    continue
-                if c is not None:
-                    stack.append(c)
         return None
 
-    def wait_find(self, role, name, timeout=3.0, visible=True):
-        def look():
-            n = self.find(role, name)
-            return n if n is not None and (not visible or self.extents(n)[2] > 0) else None
-        return wait_for(look, timeout)
+    def wait_find(self, role, name, timeout=3.0):
+        return wait_for(lambda: (lambda n: n if n is not None and self.extents(n)[2] > 0 else None)(self.find(role, name)),
+                        timeout)
 
     def extents(self, node):
         e = node.queryComponent().getExtents(self.pyatspi.DESKTOP_COORDS)
         return e.x, e.y, e.width, e.height
 
-    def centre(self, node):
+    def click(self, session, node):
         x, y, w, h = self.extents(node)
-        return x + w // 2, y + h // 2
+        session.click(x + w // 2, y + h // 2)
 
     def text(self, node):
         t = node.queryText()
@@ -318,69 +274,28 @@ class A11y:
         return node.queryValue().currentValue
 
 
-def rgb_pixels(session, path):
-    """The picture's pixels as rows of (r, g, b)."""
-    size = session.run("identify", "-format", "%w %h", path).stdout.split()
-    w, h = int(size[0]), int(size[1])
-    raw = subprocess.run(["convert", path, "-depth", "8", "rgb:-"], env=session.env,
-                         capture_output=True, check=True).stdout
-    return [[tuple(raw[(y * w + x) * 3:(y * w + x) * 3 + 3]) for x in range(w)] for y in range(h)]
-
-
-BUNDLE = None  # the bundle under test, from --bundle
-
-
-class Desktop:
-    """A window manager (openbox) on the session's display, and a compositor if asked."""
-
-    def __init__(self, session, compositor=False, top_panel=0):
-        argv = ["openbox", "--sm-disable"]
-        if top_panel:
-            # Space kept free at the top of the screen, as a panel keeps it.
-            rc = os.path.join(session.tmp, "openbox-rc.xml")
-            with open(rc, "w") as f:
-                f.write('<openbox_config xmlns="http://openbox.org/3.4/rc"><margins>'
-                        f'<top>{top_panel}</top></margins></openbox_config>')
-            argv += ["--config-file", rc]
-        self.procs = [subprocess.Popen(argv, env=session.env, stdout=DEVNULL, stderr=DEVNULL)]
-        wait_for(lambda: "_NET_SUPPORTING_WM_CHECK(WINDOW)" in session.run(
-            "xprop", "-root", "_NET_SUPPORTING_WM_CHECK", check=False).stdout, 5.0)
-        if compositor:
-            self.procs.append(subprocess.Popen(["xcompmgr"], env=session.env,
-                                               stdout=DEVNULL, stderr=DEVNULL))
-            time.sleep(0.3)
-
-    def close(self):
-        for p in reversed(self.procs):
-            p.terminate()
-            try:
-                p.wait(5)
-            except subprocess.TimeoutExpired:
-                p.kill()
-
-
 class E2ETestCase(unittest.TestCase):
-    """A test with a display and a session of its own. Subclasses that read widgets through
-    AT-SPI set `accessible` (and run inside dbus-run-session); those that need a desktop set
-    `window_manager` (openbox) and `compositor` (xcompmgr)."""
+    """A test with a display and a home of its own (`self.s`). Subclasses set `accessible` to read
+    widgets through AT-SPI, `compositor`, `top_panel` or `dpi` for the desktop they need."""
 
-    accessible = False
-    window_manager = True
-    compositor = False
-    top_panel = 0
+    accessible, compositor, top_panel, dpi = False, False, 0, None
 
     def setUp(self):
         # A display of its own per test: a clipboard owner left by one test must not feed the next.
-        self.xvfb = Xvfb(1280, 1024)
-        self.s = Session(BUNDLE, self.xvfb)
-        self.wm = Desktop(self.s, self.compositor, self.top_panel) if self.window_manager else None
+        self.s = Session(self.compositor, self.top_panel, self.dpi)
+        self.addCleanup(self.s.close)
         self.a11y = A11y(self.s) if self.accessible else None
 
-    def tearDown(self):
-        self.s.cleanup()
-        if self.wm:
-            self.wm.close()
-        self.xvfb.close()
+    def assert_editor_shows(self, wid, picture, scale=1):
+        """The editor shows the 200x120 picture one to one, centred one pixel in a canvas of the
+        floors (300x250 less 15 and 90); `scale` is the screen's device pixel ratio."""
+        x, y, w, h = wait_for(lambda: (lambda g: g[2] == 300 * scale and g)(self.s.geometry(wid)), 3.0) or (0, 0, 0, 0)
+        self.assertEqual(w, 300 * scale)
+        time.sleep(0.3)  # let a compositor draw it
+        shown = self.s.screen_part(x + (285 * scale - 200) // 2 + 1, y + h - 250 * scale + (160 * scale - 120) // 2 + 1,
+                                   200, 120)
+        self.assertEqual(self.s.differing_pixels(shown, picture), 0)
+        return x, y, w, h
 
 
 def main():

@@ -12,46 +12,27 @@ from harness import E2ETestCase, main, wait_for  # noqa: E402
 
 
 class InstanceTest(E2ETestCase):
-    def setUp(self):
-        super().setUp()
-        # Both starts on the bus this test runs in.
-        self.s.env["DBUS_SESSION_BUS_ADDRESS"] = os.environ.get("DBUS_SESSION_BUS_ADDRESS", "")
-        self.exe = os.path.join(harness.BUNDLE, "Contents", "MacOS", "Vantrel")
-
-    def later_start(self, *args):
-        t0 = time.monotonic()
-        r = subprocess.run([self.exe, *args], env=self.s.env, capture_output=True, timeout=10)
-        return r.returncode, time.monotonic() - t0
-
-    def ours(self):
-        out = subprocess.run(["pgrep", "-f", self.exe], capture_output=True, text=True).stdout
-        return out.split()
-
-    def test_help_lists_the_requests(self):
-        r = subprocess.run([self.exe, "--help"], env=self.s.env, capture_output=True, text=True)
-        self.assertEqual(r.returncode, 0)
-        for option in ("--capture", "--preferences", "--quit"):
-            self.assertIn(option, r.stdout)
-
-    def test_later_starts_hand_over_and_exit(self):
+    def test_help_and_later_starts_that_hand_over_and_exit(self):
         s = self.s
-        png = os.path.join(s.tmp, "k.png")
-        s.run("convert", "-size", "200x100", "xc:navy", png)
-        s.capture_puts(png)
+        s.env["DBUS_SESSION_BUS_ADDRESS"] = os.environ.get("DBUS_SESSION_BUS_ADDRESS", "")  # both on this bus
+        exe = os.path.join(harness.BUNDLE, "Contents", "MacOS", "Vantrel")
+        later = lambda *args: subprocess.run([exe, *args], env=s.env, capture_output=True, text=True, timeout=10)  # noqa: E731
+        r = later("--help")
+        self.assertEqual(r.returncode, 0)
+        self.assertTrue(all(o in r.stdout for o in ("--capture", "--preferences", "--quit")), r.stdout)
+        s.capture_puts(s.picture("k.png", "200x100", "xc:navy"))
         s.start()
-        code, took = self.later_start()
-        self.assertEqual(code, 0)
-        self.assertLess(took, 2.0, "at once")
-        self.assertEqual(len(self.ours()), 1, "one resident program, one tray icon")
-
-        self.assertEqual(self.later_start("--capture")[0], 0)
-        self.assertTrue(wait_for(s.editor_windows, 3.0), "the first one captured")
+        t0 = time.monotonic()
+        self.assertEqual(later().returncode, 0)
+        self.assertLess(time.monotonic() - t0, 2.0, "at once")
+        ours = subprocess.run(["pgrep", "-f", exe], capture_output=True, text=True).stdout.split()
+        self.assertEqual(len(ours), 1, "one resident program, one tray icon")
+        self.assertEqual(later("--capture").returncode, 0)
+        self.assertTrue(wait_for(lambda: s.of_role("editor"), 3.0), "the first one captured")
         self.assertEqual(s.capture_calls(), ["-ci"])
-
-        self.assertEqual(self.later_start("--preferences")[0], 0)
+        self.assertEqual(later("--preferences").returncode, 0)
         self.assertTrue(wait_for(lambda: s.windows(name="^Preferences$"), 3.0))
-
-        self.assertEqual(self.later_start("--quit")[0], 0)
+        self.assertEqual(later("--quit").returncode, 0)
         self.assertEqual(s.wait_exit(5), 0)
 
 

@@ -1,84 +1,60 @@
-"""The toolbar driven with real clicks: Save, Copy, Recent and E-Mail, on hot-key captures.
-Run inside dbus-run-session (the buttons are found through AT-SPI)."""
+"""The editor driven with real clicks and keys, its widgets found and read through AT-SPI: the
+scale and caption controls, and the toolbar's Save, Copy, Recent and E-Mail. Run inside
+with_session_bus.sh."""
 
 import os
 import sys
 import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from harness import E2ETestCase, expected_content_origin, load_image_geometry, main, wait_for  # noqa: E402
-
+from harness import E2ETestCase, expected_content_origin, main, read, wait_for  # noqa: E402
 
 
 class OutputTest(E2ETestCase):
     accessible = True
 
-    def setUp(self):
-        super().setUp()
-        self.desktop = os.path.join(self.s.home, "Bureau")  # not the default name on purpose
-        os.makedirs(self.desktop)
-        self.s.env["XDG_DESKTOP_DIR"] = self.desktop
-
-    def picture(self, name, w, h, colour):
-        path = os.path.join(self.s.tmp, name)
-        self.s.run("convert", "-size", f"{w}x{h}", f"xc:{colour}", "-depth", "8", "PNG24:" + path)
-        return path
-
-    def capture(self, png):
-        self.s.capture_puts(png)
-        editors = self.s.capture_until_editor()
-        self.assertTrue(editors)
-        time.sleep(0.3)
-        return editors[0]
-
     def press(self, name):
         button = self.a11y.wait_find("push button", name)
         self.assertIsNotNone(button, name)
-        x, y = self.a11y.centre(button)
-        self.s.click(x, y)
-        time.sleep(0.3)
+        self.a11y.click(self.s, button)
+        time.sleep(0.1)
 
-    def confirm_settings_dialog_if_shown(self, timeout=2.0):
+    def settings_dialog_confirmed(self, timeout=2.0):
         ok = self.a11y.wait_find("push button", "OK", timeout=timeout)
         if ok is not None:
-            x, y = self.a11y.centre(ok)
-            self.s.click(x, y)
-            time.sleep(0.3)
+            self.a11y.click(self.s, ok)
         return ok is not None
 
     def test_save_save_again_recent_and_copy(self):
         s = self.s
-        a = self.picture("a.png", 320, 200, "#c04030")
-        b = self.picture("b.png", 250, 150, "#3070c0")
+        desktop = os.path.join(s.home, "Bureau")  # not the default name on purpose
+        os.makedirs(desktop)
+        s.env["XDG_DESKTOP_DIR"] = desktop
+        a, b = s.picture("a.png", "320x200", "xc:#c04030"), s.picture("b.png", "250x150", "xc:#3070c0")
         s.start()
-
-        wid = self.capture(a)
+        wid = s.open_editor(a)
         self.press("Save")
-        self.assertTrue(self.confirm_settings_dialog_if_shown(), "the first Save asks for settings")
-        first = os.path.join(self.desktop, "Capture.jpg")
+        self.assertTrue(self.settings_dialog_confirmed(), "the first Save asks for settings")
+        first = os.path.join(desktop, "Capture.jpg")
         self.assertTrue(wait_for(lambda: os.path.exists(first)), "Capture.jpg on the desktop")
         self.assertTrue(wait_for(lambda: not s.mapped(wid)), "Save hides the editor")
         self.assertIn("JPEG", s.run("identify", first).stdout)
-
-        self.capture(b)
+        s.open_editor(b)
         self.press("Save")
-        self.assertFalse(self.confirm_settings_dialog_if_shown(timeout=0.5))
-        self.assertTrue(wait_for(lambda: os.path.exists(os.path.join(self.desktop, "Capture1.jpg"))))
+        self.assertFalse(self.settings_dialog_confirmed(timeout=0.5))
+        self.assertTrue(wait_for(lambda: os.path.exists(os.path.join(desktop, "Capture1.jpg"))))
 
         # Recent: the drawer with the run's captures; its first thumbnail brings A back.
-        wid = self.capture(b)
+        s.open_editor(b)
         self.press("Recent")
-        drawers = wait_for(lambda: [w for w in s.windows(name=".*") if s.role(w) == "drawer"], 2.0)
-        self.assertTrue(drawers, "the drawer is shown")
-        dx, dy, dw, dh = s.geometry(drawers[0])
+        dx, dy, _, _ = s.geometry(wait_for(lambda: s.of_role("drawer"), 2.0)[0])
         s.click(dx + 75, dy + 75)
-        _, _, width, height = load_image_geometry(320, 200, 1280, 1024)
-        # The window manager frames and moves in steps of its own: wait for where it settles.
-        def origin():
+
+        def placed():  # the window manager frames and moves in steps of its own
             x, y, w, h = s.geometry(wid)
-            return w, (x, y + h - height)
-        wait_for(lambda: origin() == (width, expected_content_origin(s, wid, 320, 200)))
-        self.assertEqual(origin(), (width, expected_content_origin(s, wid, 320, 200)), "sized and placed for A")
+            return w, (x, y + h - 291)
+        wait_for(lambda: placed() == (336, expected_content_origin(s, wid, 336, 291)))
+        self.assertEqual(placed(), (336, expected_content_origin(s, wid, 336, 291)), "sized and placed for A")
 
         # Copy at 50 %: a picture of the scaled size on the clipboard.
         self.press("Preset scales")
@@ -88,46 +64,87 @@ class OutputTest(E2ETestCase):
         out = os.path.join(s.tmp, "clip.png")
 
         def clipboard_size():
-            r = s.run("sh", "-c", f"xclip -o -selection clipboard -t image/png > '{out}'", check=False)
-            if r.returncode != 0 or not os.path.getsize(out):
-                return None
-            return s.run("identify", "-format", "%wx%h", out, check=False).stdout.strip()
+            with open(out, "wb") as f:
+                f.write(s.clipboard())
+            return os.path.getsize(out) and s.size_of(out)
         self.assertEqual(wait_for(clipboard_size, 3.0), "160x100")
 
     def test_email_hands_each_mail_program_its_path_form(self):
         s = self.s
         calls = os.path.join(s.tmp, "mailer-calls")
         for mailer in ("xdg-email", "thunderbird", "evolution"):
-            path = os.path.join(s.bin, mailer)
-            with open(path, "w") as f:
+            with open(os.path.join(s.bin, mailer), "w") as f:
                 f.write(f'#!/bin/sh\nprintf "%s|" "{mailer}" "$@" >> "{calls}"\necho >> "{calls}"\n')
-            os.chmod(path, 0o755)
-        png = self.picture("m.png", 200, 120, "#60a040")
-        runtime = s.env["XDG_RUNTIME_DIR"]
-        expected = {
-            0: lambda f: f"xdg-email|--attach|{f}|",
-            1: lambda f: f"thunderbird|-compose|attachment='file://{f}'|",
-            2: lambda f: f"evolution|mailto:?attach=file://{f}|",
-        }
-        for row, form in expected.items():
-            with self.subTest(row=row):
-                with open(os.path.join(s.config, "com.Morlane.Vantrel.plist"), "w") as f:
-                    f.write('<?xml version="1.0"?><plist version="1.0"><dict><key>DefaultMailer</key>'
-                            f"<integer>{row}</integer></dict></plist>")
-                if os.path.exists(calls):
-                    os.remove(calls)
-                s.start()
-                self.capture(png)
-                self.press("E-Mail")
-                self.confirm_settings_dialog_if_shown()
-                self.assertTrue(wait_for(lambda: os.path.exists(calls), 3.0), "the mailer ran")
-                with open(calls) as f:
-                    line = f.read().strip()
-                names = sorted(n for n in os.listdir(os.path.join(runtime, "Vantrel")) if n.startswith("vtp"))
-                attached = os.path.join(runtime, "Vantrel", names[-1])
-                self.assertEqual(line, form(attached))
-                self.assertIn("JPEG", s.run("identify", attached).stdout)
-                s.stop()
+            os.chmod(os.path.join(s.bin, mailer), 0o755)
+        png, folder = s.picture("m.png", "200x120", "xc:#60a040"), os.path.join(s.env["XDG_RUNTIME_DIR"], "Vantrel")
+        forms = ["xdg-email|--attach|{}|", "thunderbird|-compose|attachment='file://{}'|", "evolution|mailto:?attach=file://{}|"]
+        for row, form in enumerate(forms):
+            with open(os.path.join(s.config, "com.Morlane.Vantrel.plist"), "w") as f:
+                f.write(f'<plist version="1.0"><dict><key>DefaultMailer</key><integer>{row}</integer></dict></plist>')
+            if os.path.exists(calls):
+                os.remove(calls)
+            s.start()
+            s.open_editor(png)
+            self.press("E-Mail")
+            self.settings_dialog_confirmed()
+            self.assertTrue(wait_for(lambda: os.path.exists(calls), 3.0), "the mailer ran")
+            attached = os.path.join(folder, max(n for n in os.listdir(folder) if n.startswith("vtp")))
+            self.assertEqual(read(calls).strip(), form.format(attached))
+            self.assertIn("JPEG", s.run("identify", attached).stdout)
+            s.stop()
+
+
+
+class ControlsTest(E2ETestCase):
+    accessible = True
+
+    def canvas_part(self, width, height, name):
+        """The picture as the canvas shows it, centred one pixel in."""
+        cx, cy, cw, ch = self.a11y.extents(self.a11y.wait_find("filler", "Canvas1"))
+        return self.s.screen_part(cx + int((cw - width) / 2.0 + 1.0), cy + int((ch - height) / 2.0 + 1.0),
+                                  width, height, name + ".png")
+
+    def test_preset_caption_field_and_slider(self):
+        s, a = self.s, self.a11y
+        # 400x300 made of 2x2 blocks of a 200x150 picture: half size shows that picture exactly
+        # whichever pixel of a block the scaling samples.
+        half = s.picture("half.png", "200x150", "gradient:#a03020-#2040c0", "-fx", "u*0.8+0.1+(i%5)/255")
+        known = s.picture("known.png", "200x150", half, "-sample", "200%")
+        s.start()
+        self.assertTrue(s.open_editor(known))
+        field, slider = a.wait_find("text", "Scale percent"), a.wait_find("slider", "Scale")
+        self.assertEqual(a.text(field), "100")
+
+        # The preset menu: a real click on the button, then its third row ("", "25", "50").
+        a.click(s, a.wait_find("push button", "Preset scales"))
+        s.key("Down", "Down", "Down", "Return")
+        self.assertTrue(wait_for(lambda: a.text(field) == "50"), "the field says 50")
+        self.assertEqual(a.value(slider), 50)
+        self.assertEqual(s.differing_pixels(self.canvas_part(200, 150, "shown"), half), 0, "half size, one to one")
+
+        # A caption typed for real: a band centred, its bottom 5 pixels above the picture's.
+        a.click(s, a.wait_find("text", "Caption"))
+        s.run("xdotool", "type", "--delay", "30", "Hello")
+        self.assertTrue(wait_for(lambda: a.text(a.find("text", "Caption")) == "Hello"))
+        time.sleep(0.3)
+        banded, plain = s.rgb_rows(self.canvas_part(200, 150, "banded")), s.rgb_rows(half)
+        rows = [y for y in range(150) if banded[y] != plain[y]]
+        self.assertEqual(max(rows), 150 - 5 - 1, "bottom edge 5 pixels above")
+        cols = [x for x in range(200) if banded[(min(rows) + max(rows)) // 2][x] != plain[(min(rows) + max(rows)) // 2][x]]
+        self.assertLessEqual(abs(min(cols) - (199 - max(cols))), 1, "centred")
+        self.assertEqual(len(cols), max(cols) - min(cols) + 1, "one plate")
+
+        # "2" is below 10 and becomes "10" with the caret after the 1: a following "5" makes 150.
+        a.click(s, field)
+        s.key("ctrl+a")
+        s.run("xdotool", "type", "--delay", "50", "25")
+        self.assertTrue(wait_for(lambda: a.text(field) == "150"), a.text(field))
+        self.assertEqual(a.value(slider), 150)
+        a.click(s, slider)  # one step down by keyboard
+        before = a.value(slider)
+        s.key("Left")
+        self.assertTrue(wait_for(lambda: a.value(slider) == before - 1))
+        self.assertEqual(a.text(field), str(int(before - 1)))
 
 
 if __name__ == "__main__":

@@ -2,7 +2,7 @@
 ours (portal_mock.py) for GlobalShortcuts and Screenshot. The key is claimed once per start
 under one token, the desktop's Activated opens the editor on the portal's picture, a cancelled
 selection changes nothing, and a desktop that hands out no key gets the hint in Preferences.
-Run inside dbus-run-session."""
+Run inside with_session_bus.sh."""
 
 import json
 import os
@@ -14,61 +14,56 @@ sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 import harness  # noqa: E402
 from harness import E2ETestCase, main, wait_for  # noqa: E402
 
-PORTAL = "/usr/libexec/xdg-desktop-portal"
-MOCK_IFACE = "org.freedesktop.DBus.Mock"
+PORTAL, MOCK = "/usr/libexec/xdg-desktop-portal", "org.freedesktop.DBus.Mock"
 
 
 class PortalTest(E2ETestCase):
     def setUp(self):
-        import dbus
         super().setUp()
         s = self.s
-        s.env.update(DBUS_SESSION_BUS_ADDRESS=os.environ["DBUS_SESSION_BUS_ADDRESS"],
-                     XDG_SESSION_TYPE="wayland", WAYLAND_DISPLAY="wayland-none", XDG_CURRENT_DESKTOP="mocktest")
+        s.env.update(DBUS_SESSION_BUS_ADDRESS=os.environ["DBUS_SESSION_BUS_ADDRESS"], XDG_SESSION_TYPE="wayland",
+                     WAYLAND_DISPLAY="wayland-none", XDG_CURRENT_DESKTOP="mocktest")
+        self.exe = os.path.join(harness.BUNDLE, "Contents", "MacOS", "Vantrel")
         self.folder = os.path.join(s.tmp, "portal")
         os.makedirs(os.path.join(self.folder, "portals"))
         with open(os.path.join(self.folder, "portals", "mock.portal"), "w") as f:
             f.write("[portal]\nDBusName=org.freedesktop.impl.portal.Test\nUseIn=mocktest\nInterfaces="
                     "org.freedesktop.impl.portal.GlobalShortcuts;org.freedesktop.impl.portal.Screenshot;"
                     "org.freedesktop.impl.portal.Access;\n")
-        mock = os.path.join(os.path.dirname(os.path.abspath(__file__)), "portal_mock.py")
-        self.daemons = [subprocess.Popen([sys.executable, "-m", "dbusmock", "--template", mock, "-p",
-                                          json.dumps({"folder": self.folder})], env=s.env,
-                                         stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)]
-        bus = dbus.SessionBus()
-        self.mock = wait_for(lambda: self.proxy(bus), 5.0)
-        self.daemons.append(subprocess.Popen([PORTAL, "--replace"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                                             env=dict(s.env, XDG_DESKTOP_PORTAL_DIR=os.path.join(self.folder, "portals"))))
+
+    def start_portal(self):
+        import dbus
+        s = self.s
+        s.daemon(sys.executable, "-m", "dbusmock", "--template", os.path.join(os.path.dirname(__file__), "portal_mock.py"),
+                 "-p", json.dumps({"folder": self.folder}))
+        self.mock = wait_for(lambda: self.proxy(dbus.SessionBus()), 5.0)
+        s.env["XDG_DESKTOP_PORTAL_DIR"] = os.path.join(self.folder, "portals")
+        s.daemon(PORTAL, "--replace")
 
     def proxy(self, bus):
         try:
             obj = bus.get_object("org.freedesktop.impl.portal.Test", "/org/freedesktop/portal/desktop")
-            obj.GetCalls(dbus_interface=MOCK_IFACE)
-            return obj
+            return obj.GetCalls(dbus_interface=MOCK) is not None and obj
         except Exception:
             return None
 
-    def tearDown(self):
-        super().tearDown()
-        for d in getattr(self, "daemons", []):
-            d.kill()
-            d.wait()
-
     def calls(self, method):
-        return [c[1] for c in self.mock.GetMethodCalls(method, dbus_interface=MOCK_IFACE)]
+        return [c[1] for c in self.mock.GetMethodCalls(method, dbus_interface=MOCK)]
 
-    def portal_answers(self, response, colour="red"):
+    def portal_answers(self, response):
         """The next Screenshot: a picture the portal wrote in its folder, or a cancel."""
-        self.s.run("convert", "-size", "64x48", f"xc:{colour}", os.path.join(self.folder, "shot.png"))
+        self.s.picture(os.path.join(self.folder, "shot.png"), "64x48", "xc:red")
         with open(os.path.join(self.folder, "response"), "w") as f:
             f.write(str(response))
 
-    def clipboard(self):
-        return self.s.run("xclip", "-o", "-selection", "clipboard", "-t", "TARGETS", check=False).stdout
+    def preferences_height(self):
+        subprocess.run([self.exe, "--preferences"], env=self.s.env, timeout=10)
+        return self.s.geometry(wait_for(lambda: self.s.windows(name="^Preferences$"), 3.0)[0])[3]
 
     def test_the_desktop_key_captures_through_the_portal(self):
         import dbus
         s = self.s
+        self.start_portal()
         s.start()
         created = wait_for(lambda: self.calls("CreateSession"), 5.0)
         self.assertEqual(len(created), 1, "one session a start")
@@ -77,53 +72,44 @@ class PortalTest(E2ETestCase):
         # Shift+Ctrl+2 as the desktop names it: Shift is used up in "at" on a US layout.
         self.assertEqual([(sid, dict(p)) for sid, p in options["shortcuts"]],
                          [("capture", {"description": "Capture a region or a window", "preferred_trigger": "CTRL+at"})])
-        session = created[0][1]
-        activate = lambda: self.mock.EmitSignal("org.freedesktop.impl.portal.GlobalShortcuts", "Activated",
-                                                "osta{sv}", [session, "capture", dbus.UInt64(1), dbus.Dictionary({}, signature="sv")],
-                                                dbus_interface=MOCK_IFACE)
         wait_for(lambda: self.calls("ListShortcuts"), 3.0)
 
+        def activate():
+            self.mock.EmitSignal("org.freedesktop.impl.portal.GlobalShortcuts", "Activated", "osta{sv}",
+                                 [created[0][1], "capture", dbus.UInt64(1), dbus.Dictionary({}, signature="sv")],
+                                 dbus_interface=MOCK)
         # Cancelled: the portal answers 1, the clipboard keeps what it had, no editor.
         s.run("sh", "-c", "echo before | xclip -selection clipboard -i >/dev/null 2>&1")
         self.portal_answers(1)
         activate()
         self.assertTrue(wait_for(lambda: self.calls("Screenshot"), 3.0), "the portal was asked")
         time.sleep(1.0)
-        self.assertFalse(s.editor_windows())
-        self.assertEqual(s.run("xclip", "-o", "-selection", "clipboard").stdout, "before\n")
+        self.assertFalse(s.of_role("editor"))
+        self.assertEqual(s.clipboard("UTF8_STRING"), b"before\n")
 
         self.portal_answers(0)
         activate()
-        self.assertTrue(wait_for(s.editor_windows, 5.0), "the editor on the portal's picture")
+        self.assertTrue(wait_for(lambda: s.of_role("editor"), 5.0), "the editor on the portal's picture")
         clip = os.path.join(s.tmp, "clip.png")
-        s.run("sh", "-c", f"xclip -o -selection clipboard -t image/png > '{clip}'")
-        self.assertEqual(s.run("identify", "-format", "%wx%h", clip).stdout, "64x48")
+        with open(clip, "wb") as f:
+            f.write(s.clipboard())
+        self.assertEqual(s.size_of(clip), "64x48")
         self.assertFalse(os.path.exists(os.path.join(self.folder, "shot.png")), "the portal's file is removed")
         self.assertEqual(self.calls("BindShortcuts"), [], "kept from the session: never bound again")
-        exe = os.path.join(harness.BUNDLE, "Contents", "MacOS", "Vantrel")
-        subprocess.run([exe, "--preferences"], env=s.env, timeout=10)
-        prefs = wait_for(lambda: s.windows(name="^Preferences$"), 3.0)
-        self.assertEqual(s.geometry(prefs[0])[3], 219, "no hint: the desktop gave the key")
+        self.assertEqual(self.preferences_height(), 219, "no hint: the desktop gave the key")
 
         # A later start of the resident program asks under the same token.
-        subprocess.run([exe, "--quit"], env=s.env, timeout=10)
+        subprocess.run([self.exe, "--quit"], env=s.env, timeout=10)
         self.assertEqual(s.wait_exit(5), 0)
         s.start()
         created = wait_for(lambda: len(self.calls("CreateSession")) == 2 and self.calls("CreateSession"), 5.0)
         self.assertEqual(created[1][3]["session_handle_token"], "vantrel")
 
     def test_no_portal_no_key_and_a_hint(self):
-        s = self.s
-        for d in self.daemons:
-            d.kill()
-        s.env["XDG_CURRENT_DESKTOP"] = "none"
-        s.start()
-        exe = os.path.join(harness.BUNDLE, "Contents", "MacOS", "Vantrel")
+        self.s.env["XDG_CURRENT_DESKTOP"] = "none"
+        self.s.start()
         time.sleep(1.0)
-        subprocess.run([exe, "--preferences"], env=s.env, timeout=10)
-        prefs = wait_for(lambda: s.windows(name="^Preferences$"), 3.0)
-        self.assertTrue(prefs)
-        self.assertEqual(s.geometry(prefs[0])[3], 259, "the hint to bind Vantrel --capture")
+        self.assertEqual(self.preferences_height(), 259, "the hint to bind Vantrel --capture")
 
 
 if __name__ == "__main__":
@@ -131,9 +117,7 @@ if __name__ == "__main__":
         import dbus  # noqa: F401
         import dbusmock  # noqa: F401
     except ImportError as e:
-        print(f"SKIPPED: python3-dbus and python3-dbusmock are needed: {e}")
-        sys.exit(77)  # ctest's skip code: a missing package never passes for a test
+        sys.exit(print(f"SKIPPED: python3-dbus and python3-dbusmock are needed: {e}") or 77)  # ctest's skip code
     if not os.access(PORTAL, os.X_OK):
-        print(f"SKIPPED: {PORTAL} is not installed (xdg-desktop-portal)")
-        sys.exit(77)
+        sys.exit(print(f"SKIPPED: {PORTAL} is not installed (xdg-desktop-portal)") or 77)
     main()
