@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Applies each mutant of mutants.txt to a copy of the tree, builds the unit tests and runs
-them; prints each mutant's fate and the count killed. Slow (a build per mutant): run by hand,
-  python3 tests/mutants/run.py [--keep BUILD_DIR] [N ...]
-Exit status 0 when every mutant listed is killed."""
+"""Applies each mutant of mutants.txt to a copy of the tree, builds, runs the unit tests; prints
+each mutant's fate and the count killed. Slow (a build per mutant), so outside ctest:
+  python3 tests/mutants/run.py [--keep WORK_DIR] [N ...]
+Exit status 0 when every mutant chosen is killed."""
 
 import filecmp
 import os
@@ -16,69 +16,49 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 SOURCE = os.path.dirname(os.path.dirname(HERE))
 
 
-def mutants():
-    out = []
-    for line in open(os.path.join(HERE, "mutants.txt"), encoding="utf-8"):
-        if line.strip() and not line.startswith("#"):
-            path, change = line.rstrip("\n").split(": ", 1)
-            out.append((path, *change.split(" → ")))
-    return out
-
-
 def sh(argv, cwd, env=None):
-    return subprocess.run(argv, cwd=cwd, env=env, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+    return subprocess.run(argv, cwd=cwd, env=env, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode
 
 
 def main():
     args = sys.argv[1:]
     work = args.pop(args.index("--keep") + 1) if "--keep" in args else tempfile.mkdtemp(prefix="vantrel-mutants-")
-    args = [a for a in args if a != "--keep"]
+    chosen = [int(a) for a in args if a != "--keep"]
     tree, build = os.path.join(work, "src"), os.path.join(work, "build")
     # A kept copy is brought up to date file by file (new times, so the build sees them).
     for root, dirs, files in os.walk(SOURCE):
         dirs[:] = [d for d in dirs if not d.startswith("build") and d != ".git"]
-        for f in files:
-            src = os.path.join(root, f)
+        for src in (os.path.join(root, f) for f in files):
             dst = os.path.join(tree, os.path.relpath(src, SOURCE))
             if not os.path.exists(dst) or not filecmp.cmp(src, dst, shallow=False):
                 os.makedirs(os.path.dirname(dst), exist_ok=True)
                 shutil.copy(src, dst)
-    # Stopped half-way, the mutated file is put back all the same.
-    signal.signal(signal.SIGTERM, lambda *_: sys.exit(2))
-    env = dict(os.environ, QT_QPA_PLATFORM="offscreen")
-    if sh(["cmake", "-S", tree, "-B", build, "-DCMAKE_BUILD_TYPE=Debug"], tree).returncode:
-        sys.exit("cmake failed")
-    listed = mutants()
-    chosen = [int(a) for a in args] or range(1, len(listed) + 1)
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(2))  # stopped, the mutated file is put back all the same
     build_all = ["cmake", "--build", build, "-j2"]
-    if sh(build_all, tree).returncode:
+    if sh(["cmake", "-S", tree, "-B", build, "-DCMAKE_BUILD_TYPE=Debug"], tree) or sh(build_all, tree):
         sys.exit("the unmutated tree does not build")
-    killed, failed = 0, []
-    for n in chosen:
-        path, old, new = listed[n - 1]
+    listed = [line.rstrip("\n").split(": ", 1) for line in open(os.path.join(HERE, "mutants.txt"), encoding="utf-8")
+              if line.strip() and not line.startswith("#")]
+    killed = 0
+    for n in chosen or range(1, len(listed) + 1):
+        path, (old, new) = listed[n - 1][0], listed[n - 1][1].split(" → ")
         file = os.path.join(tree, path)
         text = open(file).read()
         if text.count(old) != 1:
-            print(f"{n:3} {path}: text not found once: {old}")
-            failed.append(n)
-            continue
-        open(file, "w").write(text.replace(old, new))
-        try:
-            if sh(build_all, tree).returncode:
-                fate = "does not build"
-                failed.append(n)
-            else:
-                r = sh(["ctest", "-LE", "e2e", "--stop-on-failure"], build, env)
-                fate = "killed" if r.returncode else "SURVIVED"
-                killed += r.returncode != 0
-                if not r.returncode:
-                    failed.append(n)
-        finally:
-            open(file, "w").write(text)
+            fate = "not found once"
+        else:
+            open(file, "w").write(text.replace(old, new))
+            try:
+                fate = ("does not build" if sh(build_all, tree) else
+                        "killed" if sh(["ctest", "-LE", "e2e", "--stop-on-failure"], build,
+                                       dict(os.environ, QT_QPA_PLATFORM="offscreen")) else "SURVIVED")
+            finally:
+                open(file, "w").write(text)
+        killed += fate == "killed"
         print(f"{n:3} {fate:14} {path}: {new.strip()}", flush=True)
     sh(build_all, tree)
-    print(f"{killed} of {len(chosen)} mutants killed")
-    sys.exit(1 if failed else 0)
+    print(f"{killed} of {len(chosen or listed)} mutants killed")
+    sys.exit(0 if killed == len(chosen or listed) else 1)
 
 
 if __name__ == "__main__":
