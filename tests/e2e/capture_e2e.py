@@ -51,15 +51,6 @@ class CaptureTest(E2ETestCase):
                          "the unreadable file is kept")
         self.assertIn("<key>QuartzScaling</key>", s.run("plistutil", "-i", plist, "-f", "xml", check=False).stdout)
 
-    def test_a_capture_larger_than_the_screen_gets_the_largest_window(self):
-        s = self.s
-        s.start()
-        wid = s.open_editor(s.picture("big.png", "1400x1100", "plasma:fractal"))
-        # Frame, bars and content together take the screen less 100, from 100 down.
-        x, y, w, h = wait_for(lambda: (lambda g: g[2] > 1200 and g)(s.geometry(wid)))
-        left, right, top, bottom = s.frame_extents(wid)
-        self.assertEqual((x - left, y - top, w + left + right, h + top + bottom), (0, 100, 1280, 924))
-
     def test_no_picture_is_silent_and_a_broken_one_gives_the_one_message(self):
         s = self.s
         note, bad = os.path.join(s.tmp, "note.txt"), os.path.join(s.tmp, "bad.png")

@@ -197,50 +197,6 @@ private slots:
         QVERIFY(QFileInfo(t.home.path() + "/tmp/vtp3").isFile() && QFileInfo(t.home.path() + "/tmp/vtp4").isFile());
     }
 
-    // The real mail scripts, with stand-ins of the mail programs on PATH that decode what they get
-    // the way the real ones do: every odd path reaches the mail program intact.
-    void mailScripts_deliverAwkwardPathsIntact()
-    {
-        QTemporaryDir dir;
-        QDir().mkpath(dir.filePath("bin"));
-        for (const char *mailer : {"xdg-email", "thunderbird", "evolution"}) {
-            // Like a real mail program: it takes a moment, and hands over to a child that is
-            // not ready when it exits.
-            QFile fake(dir.filePath(QString("bin/") + mailer));
-            QVERIFY(fake.open(QIODevice::WriteOnly));
-            fake.write("#!/bin/sh\nsleep 0.1\n(sleep 0.2; printf '%s\\n' \"$@\" > \"$0.log.tmp\" && mv \"$0.log.tmp\" \"$0.log\") &\nexit 0\n");
-            fake.close();
-            fake.setPermissions(fake.permissions() | QFile::ExeOwner);
-        }
-        auto run = [&](const char *id, const QString &arg, const char *mailer) -> QStringList {
-            QFile log(dir.filePath(QString("bin/") + mailer + ".log"));
-            log.remove();
-            QProcess p;
-            QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-            env.insert("PATH", dir.filePath("bin") + ":/usr/bin:/bin");
-            p.setProcessEnvironment(env);
-            p.start(QStringLiteral(VANTREL_BUILT_RESOURCES "/Scripts/") + id, {arg});
-            p.waitForFinished();
-            if (!QTest::qWaitFor([&] { return log.exists(); }, 5000)) return {};
-            log.open(QIODevice::ReadOnly);
-            return QString::fromUtf8(log.readAll()).split('\n', Qt::SkipEmptyParts);
-        };
-        for (const QString name : {"100% #1 %41.png", "a&b=c+d;e?f", "it's \"quoted\", ok  twice", "zoë ✓ 写真"}) {
-            const QString path = dir.filePath(name);
-            QCOMPARE(run("168", output::unixPath(path), "xdg-email"), (QStringList{"--attach", path}));
-            const QStringList tb = run("170", output::absolutePath(path), "thunderbird");
-            QCOMPARE(tb.size(), 2);
-            QVERIFY(tb[1].startsWith("attachment='") && tb[1].endsWith('\''));
-            QCOMPARE(QUrl::fromEncoded(tb[1].mid(12).chopped(1).toUtf8()).toLocalFile(), path);
-            // Evolution decodes the value once, then opens it as a URI, which decodes again.
-            const QStringList ev = run("169", output::absolutePath(path), "evolution");
-            QCOMPARE(ev.size(), 1);
-            QVERIFY(ev[0].startsWith("mailto:?attach="));
-            const QString once = QUrl::fromPercentEncoding(ev[0].mid(15).toUtf8());
-            QCOMPARE(QUrl::fromEncoded(once.toUtf8()).toLocalFile(), path);
-        }
-    }
-
     void copy_putsTheScaledCaptionedPicture_andTurnsSettingsIntoText()
     {
         TestProgram t;
