@@ -1,5 +1,7 @@
 #include "TestSupport.h"
 
+#include "editor/Window1.h"
+
 #include <QMimeData>
 #include <QPainter>
 #include <QtEndian>
@@ -77,6 +79,19 @@ void TestProgram::pressHotKey()
 {
     keys->press(fw::OSTypeFromString("sccp"), 1);
     QCoreApplication::processEvents();
+}
+
+Window1 &TestProgram::capture(const QImage &picture)
+{
+    captureGives(picture);
+    pressHotKey();
+    return Window1::instance();
+}
+
+fw::StoreObject TestProgram::stored(const QString &key) const
+{
+    fw::PreferenceDomains fresh(configFolder());
+    return fw::CFPreferences(fresh).CopyAppValue(key, "com.Morlane.Vantrel");
 }
 
 QImage patternImage(int width, int height)

@@ -15,6 +15,15 @@
 #include <functional>
 #include <memory>
 
+class Window1;
+
+// A picture in which every pixel differs from its neighbours, so offsets and scaling show.
+QImage patternImage(int width, int height);
+// Something like a screen: flat areas, window frames, lines of text, a gradient.
+QImage screenLike(int width, int height);
+// Bytes of a PNG file that claims a size and carries no real pixel data.
+QByteArray pngHeaderClaiming(quint32 width, quint32 height);
+
 class FakeRunner : public fw::CommandRunner {
 public:
     QList<QStringList> calls;
@@ -62,6 +71,8 @@ public:
     void captureGives(const QImage &picture);
     void captureGivesBytes(const QByteArray &bytes, const QString &mime);
     void pressHotKey(); // delivered as the platform would
+    Window1 &capture(const QImage &picture = patternImage(40, 40)); // one press that captures it
+    fw::StoreObject stored(const QString &key) const; // as a fresh reader finds it on disk
 
     QTemporaryDir home;
     std::unique_ptr<fw::Services> services;
@@ -77,10 +88,3 @@ public:
     QStringList saveAsShown;
     QString saveAsAnswer;
 };
-
-// A picture in which every pixel differs from its neighbours, so offsets and scaling show.
-QImage patternImage(int width, int height);
-// Something like a screen: flat areas, window frames, lines of text, a gradient.
-QImage screenLike(int width, int height);
-// Bytes of a PNG file that claims a size and carries no real pixel data.
-QByteArray pngHeaderClaiming(quint32 width, quint32 height);

@@ -16,13 +16,6 @@
 #include <QProcess>
 
 namespace {
-Window1 &loaded(TestProgram &t, const QImage &pic = patternImage(200, 150))
-{
-    t.captureGives(pic);
-    t.pressHotKey();
-    return Window1::instance();
-}
-
 // What readers that did not write the file find in it (PIL; ImageMagick's command line only for
 // PICT), compared against the expected picture.
 QJsonObject readBack(const QString &file, const QImage &expected)
@@ -34,12 +27,6 @@ QJsonObject readBack(const QString &file, const QImage &expected)
     p.waitForFinished(60000);
     if (p.exitCode() != 0) qWarning() << p.readAllStandardError();
     return QJsonDocument::fromJson(p.readAllStandardOutput()).object();
-}
-
-fw::StoreObject stored(TestProgram &t, const PrefKey &key)
-{
-    fw::PreferenceDomains fresh(t.configFolder());
-    return fw::CFPreferences(fresh).CopyAppValue(key.str(), "com.Morlane.Vantrel");
 }
 } // namespace
 
@@ -70,7 +57,7 @@ private slots:
             {6, h + "targa.rle=0", "TGA", 0.0, "rle=false top_left=true"},
         };
         TestProgram t;
-        Window1 &w = loaded(t, screenLike(640, 400));
+        Window1 &w = t.capture(screenLike(640, 400));
         w.scaleField->setText("50");
         w.captionText->setText("Caption");
         double level1Bytes = 0;
@@ -135,31 +122,31 @@ private slots:
     {
         TestProgram t;
         t.confirmSettings = false; // a cancelled settings dialog still writes and stores
-        Window1 &w = loaded(t);
+        Window1 &w = t.capture();
         w.SaveTB_Action();
         QVERIFY(QFile::exists(t.home.path() + "/Desktop/Capture.jpg"));
         QVERIFY(!w.isVisible());
         QVERIFY(w.exporter->OutputFileMustBeNew); // never over a file that arrived meanwhile
-        loaded(t);
+        t.capture();
         t.shiftDown = true; // Save does not look at Shift
         w.SaveTB_Action();
         QVERIFY(QFile::exists(t.home.path() + "/Desktop/Capture1.jpg"));
         QVERIFY(!w.isVisible());
         QCOMPARE(t.dialogsShown.size(), 1);
-        QCOMPARE(stored(t, PrefKeys::Settings)->toData(), w.settings);
-        QCOMPARE(stored(t, PrefKeys::LastScale)->toString(), QString("100"));
-        QCOMPARE(stored(t, PrefKeys::LastFormat)->toString(), QString("JPEG"));
+        QCOMPARE(t.stored(PrefKeys::Settings.str())->toData(), w.settings);
+        QCOMPARE(t.stored(PrefKeys::LastScale.str())->toString(), QString("100"));
+        QCOMPARE(t.stored(PrefKeys::LastFormat.str())->toString(), QString("JPEG"));
     }
 
     void saveAs_suggestsLowerCase_shiftAtTheClickKeepsItOpen_cancelWritesNothing()
     {
         TestProgram t;
-        Window1 &w = loaded(t);
+        Window1 &w = t.capture();
         prefwin::instance().PopupMenu1->setCurrentIndex(3); // Photoshop
         w.SaveasTB_Action();
         QCOMPARE(t.saveAsShown, QStringList{t.home.path() + "/Desktop|capture.psd"});
         QVERIFY(w.isVisible());
-        QVERIFY(!stored(t, PrefKeys::LastFormat));
+        QVERIFY(!t.stored(PrefKeys::LastFormat.str()));
         t.saveAsAnswer = t.home.path() + "/chosen name.png"; // any extension; Photoshop is written
         t.shiftDown = true;
         w.SaveasTB_Action();
@@ -167,7 +154,7 @@ private slots:
         QFile written(t.saveAsAnswer);
         QVERIFY(written.open(QIODevice::ReadOnly));
         QCOMPARE(written.read(4), QByteArray("8BPS"));
-        QCOMPARE(stored(t, PrefKeys::LastFormat)->toString(), QString("Photoshop"));
+        QCOMPARE(t.stored(PrefKeys::LastFormat.str())->toString(), QString("Photoshop"));
     }
 
     // The settings are asked for at each mail until something saves them; Shift at the end keeps
@@ -182,11 +169,11 @@ private slots:
         f.close();
         QFile::link(precious, t.home.path() + "/tmp/vtp1");
         QFile::link(t.home.path() + "/nowhere", t.home.path() + "/tmp/vtp2"); // dangling
-        Window1 &w = loaded(t);
+        Window1 &w = t.capture();
         w.MailTB_Action();
         QVERIFY(!w.isVisible() && w.exporter->OutputFileMustBeNew);
         QCOMPARE(t.runner->calls.last(), (QStringList{t.bundlePath() + "/Contents/Resources/Scripts/168", t.home.path() + "/tmp/vtp3"}));
-        loaded(t);
+        t.capture();
         t.shiftDown = true;
         w.MailTB_Action();
         QCOMPARE(t.dialogsShown.size(), 2);
@@ -200,7 +187,7 @@ private slots:
     void copy_putsTheScaledCaptionedPicture_andTurnsSettingsIntoText()
     {
         TestProgram t;
-        Window1 &w = loaded(t);
+        Window1 &w = t.capture();
         w.settings = "vantrel-export-settings 1\njpeg.quality=50\n";
         w.scaleField->setText("50");
         w.captionText->setText("Hello");
@@ -209,8 +196,8 @@ private slots:
         QVERIFY(w.isVisible());
         QCOMPARE(QGuiApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
                  w.getoutputimage().convertToFormat(QImage::Format_RGB32));
-        QCOMPARE(stored(t, PrefKeys::Settings)->toString(), QString::fromUtf8(w.settings));
-        QCOMPARE(stored(t, PrefKeys::LastScale)->toString(), QString("50"));
+        QCOMPARE(t.stored(PrefKeys::Settings.str())->toString(), QString::fromUtf8(w.settings));
+        QCOMPARE(t.stored(PrefKeys::LastScale.str())->toString(), QString("50"));
         t.shiftDown = false;
         w.ToolbarItem1_Action();
         QVERIFY(!w.isVisible());

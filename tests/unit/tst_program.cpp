@@ -34,13 +34,6 @@ QString setupString(const QPrinter &printer);
 }
 
 namespace {
-Window1 &loaded(TestProgram &t, const QImage &pic = patternImage(40, 40))
-{
-    t.captureGives(pic);
-    t.pressHotKey();
-    return Window1::instance();
-}
-
 QImage solid(int w, int h, QColor c)
 {
     QImage img(w, h, QImage::Format_RGB32);
@@ -48,11 +41,6 @@ QImage solid(int w, int h, QColor c)
     return img;
 }
 
-fw::StoreObject stored(TestProgram &t, const char *key)
-{
-    fw::PreferenceDomains fresh(t.configFolder());
-    return fw::CFPreferences(fresh).CopyAppValue(key, "com.Morlane.Vantrel");
-}
 } // namespace
 
 class ProgramTest : public QObject {
@@ -90,7 +78,7 @@ private slots:
         QCOMPARE(t.app->messages, QStringList{"An Error Ocurred at OpenEditor"});
         QVERIFY2(t.app->windows().existing<Window1>(), "the editor refuses the failure road's quit");
         QVERIFY(!t.app->quitRequested());
-        QVERIFY(loaded(t).isVisible());
+        QVERIFY(t.capture().isVisible());
     }
 
     void storedScaleAndFormat_decideTheFirstLoad()
@@ -107,7 +95,7 @@ private slots:
             t.writePlist("<plist><dict><key>LastFormat</key><string>png</string>" +
                          (c.stored.isEmpty() ? QByteArray() : "<key>LastScale</key>" + c.stored) + "</dict></plist>");
             t.app->_Startup();
-            Window1 &w = loaded(t, patternImage(200, 100));
+            Window1 &w = t.capture(patternImage(200, 100));
             QCOMPARE(t.app->messages, c.message.isEmpty() ? QStringList() : QStringList{c.message});
             if (!c.message.isEmpty()) continue;
             QCOMPARE(w.scaleField->text(), c.field);
@@ -121,7 +109,7 @@ private slots:
     void quit_refusedByTheEditor_endedByTheSystem()
     {
         TestProgram t;
-        Window1 &w = loaded(t);
+        Window1 &w = t.capture();
         t.app->Quit(0);
         QVERIFY(!t.app->quitRequested());
         QVERIFY(!w.isVisible() && t.app->windows().existing<Window1>());
@@ -157,7 +145,7 @@ private slots:
         });
         QCOMPARE(seenWhileTheLoopRan, QStringList{"An Error Ocurred at OpenEditor"});
         t.app->messages.clear();
-        Window1 &w = loaded(t, patternImage(10, 40));
+        Window1 &w = t.capture(patternImage(10, 40));
         w.captionText->setText("x"); // no room for a band
         QCOMPARE(t.app->messages, QStringList{"An Error Ocurred at LoadTypeMenu"});
         t.app->messages.clear();
@@ -171,7 +159,7 @@ private slots:
     {
         TestProgram t;
         const QImage pic = patternImage(120, 90);
-        Window1 &w = loaded(t, pic);
+        Window1 &w = t.capture(pic);
         QCheckBox *quartz = prefwin::instance().quartz;
         for (bool q : {false, true}) {
             quartz->setChecked(q);
@@ -195,7 +183,7 @@ private slots:
                  {{400, 200}, "Hello"}, {{400, 200}, " "}, {{120, 200}, "a caption far longer than the picture is wide"},
                  {{40, 20}, "many words that wrap into a tall band here"}}) {
             TestProgram t;
-            Window1 &w = loaded(t, patternImage(size.width(), size.height()));
+            Window1 &w = t.capture(patternImage(size.width(), size.height()));
             const QImage plain = w.getoutputimage();
             w.captionText->setText(caption);
             const QImage banded = w.getoutputimage();
@@ -221,7 +209,7 @@ private slots:
     void preview_showsExactlyWhatTheOutputsGet()
     {
         TestProgram t;
-        Window1 &w = loaded(t, patternImage(300, 200));
+        Window1 &w = t.capture(patternImage(300, 200));
         for (bool smooth : {true, false})
             for (int scale : {10, 99, 100, 150, 1000}) {
                 prefwin::instance().quartz->setChecked(smooth);
@@ -250,7 +238,7 @@ private slots:
     void pan_movesTheViewWithTheHand()
     {
         TestProgram t;
-        Window1 &w = loaded(t, patternImage(900, 700));
+        Window1 &w = t.capture(patternImage(900, 700));
         QVERIFY(w.Canvas1->cursor().shape() != Qt::ArrowCursor); // the open hand
         const int h0 = w.ScrollBarH->value();
         QVERIFY(w.Canvas1_MouseDown(100, 100));
@@ -260,7 +248,7 @@ private slots:
         QCOMPARE(w.ScrollBarH->value(), w.ScrollBarH->maximum());
         w.Canvas1_MouseDrag(-4990, 100); // turning back moves at once
         QCOMPARE(w.ScrollBarH->value(), w.ScrollBarH->maximum() - 10);
-        loaded(t, patternImage(50, 50));
+        t.capture(patternImage(50, 50));
         QVERIFY(!w.Canvas1_MouseDown(7, 9)); // nothing to pan: only remembered
         QCOMPARE(QPoint(w.xdown, w.ydown), QPoint(7, 9));
         QCOMPARE(w.Canvas1->cursor().shape(), Qt::ArrowCursor);
@@ -282,7 +270,7 @@ private slots:
         };
         for (const auto &c : cases) {
             TestProgram t;
-            Window1 &w = loaded(t, patternImage(200, 100));
+            Window1 &w = t.capture(patternImage(200, 100));
             const QString verb = c.action.section(' ', 0, 0), arg = c.action.section(' ', 1);
             if (verb == "slider") w.Slider1->setValue(arg.toInt());
             w.scaleField->selectAll();
@@ -302,7 +290,7 @@ private slots:
     void resize_keepsTheControlsLockedAndTheDrawerAsTall()
     {
         TestProgram t;
-        Window1 &w = loaded(t, patternImage(50, 50));
+        Window1 &w = t.capture(patternImage(50, 50));
         w.setWidth(500);
         w.setHeight(500);
         QCOMPARE(w.Canvas1->geometry(), QRect(0, 0, 485, 410));
@@ -314,7 +302,7 @@ private slots:
     void drawer_keepsTheLastTenAndGivesOneBack()
     {
         TestProgram t;
-        for (int i = 1; i <= 11; ++i) loaded(t, solid(10 + i, 10, Qt::gray));
+        for (int i = 1; i <= 11; ++i) t.capture(solid(10 + i, 10, Qt::gray));
         recentwin &d = recentwin::instance();
         QCOMPARE(d.recentimages.size(), 10);
         QCOMPARE(d.recentimages.first().width(), 12);
@@ -324,7 +312,7 @@ private slots:
         QCOMPARE(d.ScrollBar1->maximum(), 0);
 
         const QList<QColor> colours = {Qt::red, Qt::blue, Qt::green};
-        for (const QColor &c : colours) loaded(t, c == Qt::blue ? solid(75, 75, c) : solid(600, 150, c));
+        for (const QColor &c : colours) t.capture(c == Qt::blue ? solid(75, 75, c) : solid(600, 150, c));
         const QImage shot = d.Canvas2->grab().toImage().convertToFormat(QImage::Format_RGB32);
         QCOMPARE(shot.pixelColor(0, 56), QColor(50, 50, 50)); // 600x150 fits 150 by 37.5, framed
         QCOMPARE(shot.pixelColor(75, 75), QColor(Qt::red));
@@ -349,7 +337,7 @@ private slots:
     void menus_shortcutsAndEnabling()
     {
         TestProgram t;
-        Window1 &w = loaded(t);
+        Window1 &w = t.capture();
         QMenuBar *bar = w.menuBar;
         for (const QString item : {"FileQuit Ctrl+Q", "FilePrint Ctrl+P", "FileClose Ctrl+W", "FilePreferences ",
                                    "EditUndo Ctrl+Z", "EditCut Ctrl+X", "EditCopy Ctrl+C", "EditPaste Ctrl+V", "EditClear "})
@@ -386,7 +374,7 @@ private slots:
         };
         Window1 &w = Window1::instance();
         QCOMPARE(w._FilePageSetup_Action(), false);
-        QVERIFY(stored(t, "PageSetup")->toString().contains("pageSize=A5"));
+        QVERIFY(t.stored("PageSetup")->toString().contains("pageSize=A5"));
         w._FilePageSetup_Action();
         QVERIFY2(seen.last().contains("pageSize=A5") && seen.last().contains("landscape"), qPrintable(seen.last()));
     }
@@ -410,11 +398,11 @@ private slots:
         p.quartz->setChecked(false);
         p.emaildefault->setCurrentIndex(1);
         p.PushButton1->click(); // OK stores nothing; a killed run loses it
-        QCOMPARE(stored(t, "DefaultMailer")->toInteger(), qint64(2));
+        QCOMPARE(t.stored("DefaultMailer")->toInteger(), qint64(2));
         p.Show();
         QVERIFY(p.close()); // the close box stores both
-        QCOMPARE(stored(t, "QuartzScaling")->toBoolean(), false);
-        QCOMPARE(stored(t, "DefaultMailer")->toInteger(), qint64(1));
+        QCOMPARE(t.stored("QuartzScaling")->toBoolean(), false);
+        QCOMPARE(t.stored("DefaultMailer")->toInteger(), qint64(1));
         QString answer = t.home.path() + "/Shots";
         QDir().mkpath(answer);
         t.services->selectFolder = [&answer](QWidget *, const QString &) { return answer; };

@@ -17,6 +17,7 @@
 
 #include <QProcess>
 #include <QScopeGuard>
+#include <array>
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -249,63 +250,46 @@ private slots:
 
     void loginWalk()
     {
-        struct Entry { QString file, name, program, extra; };
-        const QString B = "BUNDLE", exe = B + "/Contents/MacOS/Vantrel", ours = "Vantrel.desktop|Vantrel.app|" + B;
-        const QList<Entry> moved = {{"a.desktop", "Vantrel.app", "/old/Vantrel.app/Contents/MacOS/Vantrel", ""}};
-        const QList<Entry> renamed = {{"b.desktop", "Capture", exe, ""}};
-        const QList<Entry> on = {{"v.desktop", "Vantrel.app", exe, ""}};
-        const QList<Entry> twoStale = {{"a.desktop", "Vantrel.app", "/x/Vantrel.app/Contents/MacOS/Vantrel", ""},
-                                       {"b.desktop", "Vantrel.app", "/y/Vantrel.app/Contents/MacOS/Vantrel", ""}};
-        const QList<Entry> otherCase = {{"v.desktop", "VANTREL.APP", "UPPER", ""}};
-        const QList<Entry> mixed = {{"mail.desktop", "Mail", "/usr/bin/mail-client", ""}, on.first()};
-        // entries before, call ("get", "on", "off", "on twice"), what get says, the folder after
-        struct Case { QList<Entry> before; QString call; bool got; QStringList after; };
-        QList<Case> cases = {
-            {{}, "get", false, {}},
-            {{}, "on", false, {ours}},
-            {{}, "off", false, {}},
-            {moved, "get", false, {"a.desktop|Vantrel.app|/old/Vantrel.app"}},
-            {moved, "on", false, {ours}}, // the stale entry is replaced
-            {renamed, "get", true, {"b.desktop|Capture|" + B}},
-            {renamed, "off", false, {"b.desktop|Capture|" + B}},
-            {renamed, "on", false, {ours, "b.desktop|Capture|" + B}},
-            {on, "on", false, {"v.desktop|Vantrel.app|" + B}},
-            {on, "off", false, {}},
-            {twoStale, "on", false, {ours, "b.desktop|Vantrel.app|/y/Vantrel.app"}}, // one per call
-            {twoStale, "on twice", false, {ours}},
-            {otherCase, "get", true, {"v.desktop|VANTREL.APP|BIG"}},
-            {otherCase, "on", false, {"v.desktop|VANTREL.APP|BIG"}},
-            {mixed, "off", false, {"mail.desktop|Mail|/usr/bin/mail-client"}},
+        // The folder before ("file|name|program[|extra line]", ';' between entries), the call
+        // ("get" with what it must say), the folder after as describe() tells it. $B stands for
+        // the bundle, $E for its program, $UB and $UE for them in capitals.
+        const QString ours = "Vantrel.desktop|Vantrel.app|$B", stale = "a.desktop|Vantrel.app|/old/Vantrel.app/Contents/MacOS/Vantrel";
+        const QString twoStale = "a.desktop|Vantrel.app|/x/Vantrel.app/Contents/MacOS/Vantrel;"
+                                 "b.desktop|Vantrel.app|/y/Vantrel.app/Contents/MacOS/Vantrel";
+        QList<std::array<QString, 3>> cases = {
+            {"", "get false", ""}, {"", "on", ours}, {"", "off", ""},
+            {stale, "get false", "a.desktop|Vantrel.app|/old/Vantrel.app"}, {stale, "on", ours}, // replaced
+            {"b.desktop|Capture|$E", "get true", "b.desktop|Capture|$B"}, // our path under another name
+            {"b.desktop|Capture|$E", "off", "b.desktop|Capture|$B"},
+            {"b.desktop|Capture|$E", "on", ours + ";b.desktop|Capture|$B"},
+            {"v.desktop|Vantrel.app|$E", "on", "v.desktop|Vantrel.app|$B"}, {"v.desktop|Vantrel.app|$E", "off", ""},
+            {twoStale, "on", ours + ";b.desktop|Vantrel.app|/y/Vantrel.app"}, {twoStale, "on twice", ours}, // one a call
+            {"v.desktop|VANTREL.APP|$UE", "get true", "v.desktop|VANTREL.APP|$UB"}, // case is ignored
+            {"v.desktop|VANTREL.APP|$UE", "on", "v.desktop|VANTREL.APP|$UB"},
+            {"mail.desktop|Mail|/usr/bin/mail-client;v.desktop|Vantrel.app|$E", "off", "mail.desktop|Mail|/usr/bin/mail-client"},
         };
         // A desktop's "off" switch: no login item, and "on" switches it on instead of adding one.
-        for (const char *off : {"Hidden=true\n", "X-GNOME-Autostart-enabled=false\n"}) {
-            const QList<Entry> offEntry = {{"Vantrel.desktop", "Vantrel.app", exe, off}};
-            cases << Case{offEntry, "get", false, {"Vantrel.desktop|off"}} << Case{offEntry, "on", false, {ours}}
-                  << Case{offEntry, "off", false, {"Vantrel.desktop|off"}};
-        }
-        for (const Case &c : cases) {
+        for (const QString off : {"Hidden=true", "X-GNOME-Autostart-enabled=false"})
+            for (const QString call : {"get false", "on", "off"})
+                cases.append({"Vantrel.desktop|Vantrel.app|$E|" + off, call, call == "on" ? ours : "Vantrel.desktop|off"});
+        for (const auto &[before, call, after] : cases) {
             QTemporaryDir dir;
             const QString bundle = dir.path() + "/Apps/Vantrel.app", folder = dir.path() + "/autostart";
             auto expand = [&](QString s) {
-                return s.replace("BUNDLE", bundle)
-                    .replace("UPPER", (bundle + "/Contents/MacOS/Vantrel").toUpper())
-                    .replace("BIG", bundle.toUpper());
+                const QString exe = bundle + "/Contents/MacOS/Vantrel";
+                return s.replace("$UE", exe.toUpper()).replace("$UB", bundle.toUpper()).replace("$E", exe).replace("$B", bundle);
             };
             QDir().mkpath(folder);
-            for (const Entry &e : c.before) {
-                QString text = fw::desktopentry::applicationEntry(e.name, {expand(e.program)}, "test");
-                if (e.extra.startsWith("X-GNOME")) text.remove("X-GNOME-Autostart-enabled=true\n");
-                write(folder + "/" + e.file, (text + e.extra).toUtf8());
+            for (const QString &e : before.split(';', Qt::SkipEmptyParts)) {
+                const QStringList f = e.split('|');
+                QString text = fw::desktopentry::applicationEntry(f[1], {expand(f[2])}, "test");
+                if (f.value(3).startsWith("X-GNOME")) text.remove("X-GNOME-Autostart-enabled=true\n");
+                write(folder + "/" + f[0], (text + (f.size() > 3 ? f[3] + "\n" : "")).toUtf8());
             }
-            bool result = false;
-            if (c.call == "get") result = loginitems::getLaunchAtLogin(bundle, folder);
-            if (c.call.startsWith("on")) loginitems::setLaunchAtLogin(true, bundle, folder);
-            if (c.call == "on twice") loginitems::setLaunchAtLogin(true, bundle, folder);
-            if (c.call == "off") loginitems::setLaunchAtLogin(false, bundle, folder);
-            QCOMPARE(result, c.got);
-            QStringList expected;
-            for (const QString &s : c.after) expected << expand(s);
-            QCOMPARE(describe(folder), expected);
+            if (call.startsWith("get")) QCOMPARE(loginitems::getLaunchAtLogin(bundle, folder), call == "get true");
+            for (int n = call == "on twice" ? 2 : 1; call.startsWith("o") && n > 0; --n)
+                loginitems::setLaunchAtLogin(call.startsWith("on"), bundle, folder);
+            QCOMPARE(describe(folder), expand(after).split(';', Qt::SkipEmptyParts));
         }
     }
 
