@@ -112,7 +112,7 @@ class WindowsTest(E2ETestCase):
         self.assertTrue(wait_for(lambda: s.of_role("splash"), 5.0))
 
     def editor(self):
-        time.sleep(2.0)  # the splash has gone
+        self.assertTrue(wait_for(lambda: not self.s.of_role("splash"), 4.0), "the splash has gone")
         wid = self.s.open_editor(self.s.picture("wide.png", "640x360", "gradient:navy-gold"))  # the whole toolbar
         return wid, self.s.geometry(wid)
 

@@ -92,10 +92,10 @@ class Session:
         shutil.rmtree(self.tmp, ignore_errors=True)
 
     # --- pictures and the fake capture command ----------------------------------------------
-    def picture(self, name, size, *spec):
-        """A PNG made by ImageMagick: `spec` as convert's arguments after -size, e.g. xc:navy."""
+    def picture(self, name, size, *how):
+        """A PNG made by ImageMagick: `how` is convert's arguments after -size, e.g. xc:navy."""
         path = os.path.join(self.tmp, name)
-        self.run("convert", "-size", size, *spec, "-depth", "8", "-strip", "PNG24:" + path)
+        self.run("convert", "-size", size, *how, "-depth", "8", "-strip", "PNG24:" + path)
         return path
 
     def fake_capture(self, script_body):

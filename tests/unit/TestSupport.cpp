@@ -61,11 +61,6 @@ void TestProgram::writePlist(const QByteArray &xml) const
     f.write(xml);
 }
 
-void TestProgram::captureGives(const QImage &picture)
-{
-    runner->onRun = [picture](const QStringList &) { QGuiApplication::clipboard()->setImage(picture); };
-}
-
 void TestProgram::captureGivesBytes(const QByteArray &bytes, const QString &mime)
 {
     runner->onRun = [bytes, mime](const QStringList &) {
@@ -83,7 +78,7 @@ void TestProgram::pressHotKey()
 
 Window1 &TestProgram::capture(const QImage &picture)
 {
-    captureGives(picture);
+    runner->onRun = [picture](const QStringList &) { QGuiApplication::clipboard()->setImage(picture); };
     pressHotKey();
     return Window1::instance();
 }

@@ -67,8 +67,7 @@ public:
     QString autostartFolder() const { return configFolder() + "/autostart"; }
     void writePlist(const QByteArray &xml) const; // before the program reads it
 
-    // The capture command puts this picture (or these bytes) on the clipboard.
-    void captureGives(const QImage &picture);
+    // The capture command puts these bytes on the clipboard.
     void captureGivesBytes(const QByteArray &bytes, const QString &mime);
     void pressHotKey(); // delivered as the platform would
     Window1 &capture(const QImage &picture = patternImage(40, 40)); // one press that captures it

@@ -211,9 +211,10 @@ private slots:
         TestProgram t;
         Window1 &w = t.capture(patternImage(300, 200));
         for (bool smooth : {true, false})
-            for (int scale : {10, 99, 100, 150, 1000}) {
+            for (const auto &[scale, caption] : QList<QPair<int, QString>>{
+                     {10, ""}, {99, "A caption"}, {100, ""}, {150, "A caption"}, {1000, "A caption"}}) {
                 prefwin::instance().quartz->setChecked(smooth);
-                w.captionText->setText(scale % 2 ? "A caption" : "");
+                w.captionText->setText(caption);
                 w.scaleField->setText(QString::number(scale));
                 const QImage whole = w.getoutputimage().convertToFormat(QImage::Format_RGB32);
                 QCOMPARE(whole.size(), QSize(300 * scale / 100, 200 * scale / 100));
