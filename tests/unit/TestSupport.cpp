@@ -12,11 +12,8 @@ TestProgram::TestProgram(bool start)
     qputenv("HOME", home.path().toUtf8());
     qputenv("XDG_CONFIG_HOME", configFolder().toUtf8());
     qputenv("XDG_DESKTOP_DIR", (home.path() + "/Desktop").toUtf8());
-    QFile info(bundlePath() + "/Contents/Info.plist");
-    info.open(QIODevice::WriteOnly);
-    info.write("<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>CFBundleName</key><string>Vantrel</string>"
-               "<key>CFBundleExecutable</key><string>Vantrel</string></dict></plist>\n");
-    info.close();
+    writeFile(bundlePath() + "/Contents/Info.plist", "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>CFBundleName</key>"
+              "<string>Vantrel</string><key>CFBundleExecutable</key><string>Vantrel</string></dict></plist>\n");
     // The toolbar's pictures and the stored scripts, as the build made them.
     for (const QString sub : {"Toolbar", "Scripts"}) {
         const QDir from(QStringLiteral(VANTREL_BUILT_RESOURCES) + "/" + sub);
@@ -52,13 +49,6 @@ TestProgram::~TestProgram()
     app.reset();
     prefs.reset();
     services.reset();
-}
-
-void TestProgram::writePlist(const QByteArray &xml) const
-{
-    QFile f(plistPath());
-    f.open(QIODevice::WriteOnly);
-    f.write(xml);
 }
 
 void TestProgram::captureGivesBytes(const QByteArray &bytes, const QString &mime)
@@ -100,17 +90,15 @@ QImage patternImage(int width, int height)
 QImage screenLike(int w, int h)
 {
     QImage img(w, h, QImage::Format_RGB32);
+    img.fill(QColor(52, 101, 164));
     QPainter p(&img);
     QLinearGradient g(0, 0, w, h / 3);
-    g.setColorAt(0, QColor(30, 60, 120));
-    g.setColorAt(1, QColor(90, 140, 200));
-    p.fillRect(img.rect(), QColor(52, 101, 164));
+    g.setStops({{0, QColor(30, 60, 120)}, {1, QColor(90, 140, 200)}});
     p.fillRect(QRect(0, 0, w, h / 3), g);
     for (int k = 0; k < 3; ++k) {
         const QRect r(20 + k * w / 4, 30 + k * h / 6, w / 2, h / 2);
         p.fillRect(r, QColor(245, 245, 245));
-        p.fillRect(QRect(r.x(), r.y(), r.width(), 20), QColor(60, 60, 60));
-        p.setPen(QColor(20, 20, 20));
+        p.fillRect(r.x(), r.y(), r.width(), 20, QColor(60, 60, 60));
         for (int line = 0; line < r.height() / 16 - 2; ++line)
             p.drawText(r.x() + 6, r.y() + 36 + line * 16, QString("Line %1 of some document text").arg(line));
     }
@@ -130,4 +118,17 @@ QByteArray pngHeaderClaiming(quint32 width, quint32 height)
     };
     return QByteArray("\x89PNG\r\n\x1a\n", 8) + chunk("IHDR" + be32(width) + be32(height) + QByteArray("\x08\x02\0\0\0", 5)) +
            chunk("IDAT" + QByteArray(16, '\0')) + chunk("IEND");
+}
+
+void writeFile(const QString &path, const QByteArray &bytes)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile f(path);
+    QVERIFY(f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size());
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("(unreadable)");
 }

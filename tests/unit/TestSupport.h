@@ -23,6 +23,8 @@ QImage patternImage(int width, int height);
 QImage screenLike(int width, int height);
 // Bytes of a PNG file that claims a size and carries no real pixel data.
 QByteArray pngHeaderClaiming(quint32 width, quint32 height);
+void writeFile(const QString &path, const QByteArray &bytes); // making the folders it needs
+QByteArray readFile(const QString &path);
 
 class FakeRunner : public fw::CommandRunner {
 public:
@@ -65,7 +67,7 @@ public:
     QString plistPath() const { return configFolder() + "/com.Morlane.Vantrel.plist"; }
     QString bundlePath() const { return home.path() + "/Vantrel.app"; }
     QString autostartFolder() const { return configFolder() + "/autostart"; }
-    void writePlist(const QByteArray &xml) const; // before the program reads it
+    void writePlist(const QByteArray &xml) const { writeFile(plistPath(), xml); } // before it is read
 
     // The capture command puts these bytes on the clipboard.
     void captureGivesBytes(const QByteArray &bytes, const QString &mime);

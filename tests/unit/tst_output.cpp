@@ -13,6 +13,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLineEdit>
+#include <QPrinter>
 #include <QProcess>
 
 namespace {
@@ -163,10 +164,7 @@ private slots:
     {
         TestProgram t;
         const QString precious = t.home.path() + "/precious";
-        QFile f(precious);
-        f.open(QIODevice::WriteOnly);
-        f.write("keep me");
-        f.close();
+        writeFile(precious, "keep me");
         QFile::link(precious, t.home.path() + "/tmp/vtp1");
         QFile::link(t.home.path() + "/nowhere", t.home.path() + "/tmp/vtp2"); // dangling
         Window1 &w = t.capture();
@@ -178,10 +176,32 @@ private slots:
         w.MailTB_Action();
         QCOMPARE(t.dialogsShown.size(), 2);
         QVERIFY(w.settings.isEmpty() && w.isVisible());
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        QCOMPARE(f.readAll(), QByteArray("keep me"));
+        QCOMPARE(readFile(precious), QByteArray("keep me"));
         QVERIFY(!QFile::exists(t.home.path() + "/nowhere"));
         QVERIFY(QFileInfo(t.home.path() + "/tmp/vtp3").isFile() && QFileInfo(t.home.path() + "/tmp/vtp4").isFile());
+    }
+
+    // Printing sends the capture itself, without its scale or caption, to the page's top left.
+    void print_sendsTheRawCaptureToTheTopLeft()
+    {
+        TestProgram t;
+        const QString pdf = t.home.path() + "/page.pdf";
+        t.services->printDialog = [&](QWidget *) {
+            auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+            printer->setOutputFileName(pdf);
+            printer->setPageSize(QPageSize(QPageSize::Letter));
+            return printer;
+        };
+        const QImage capture = screenLike(300, 200);
+        Window1 &w = t.capture(capture);
+        w.scaleField->setText("50");
+        w.captionText->setText("Caption");
+        w._FilePrint_Action();
+        QCOMPARE(QProcess::execute("pdftoppm", {"-r", "72", "-png", "-singlefile", pdf, t.home.path() + "/page"}), 0);
+        const QImage page = QImage(t.home.path() + "/page.png").convertToFormat(QImage::Format_RGB32);
+        QCOMPARE(page.size(), QSize(612, 792)); // points
+        QCOMPARE(page.pixelColor(310, 100), QColor(Qt::white));
+        QCOMPARE(page.copy(0, 0, 300, 200), capture); // one to one
     }
 
     void copy_putsTheScaledCaptionedPicture_andTurnsSettingsIntoText()
