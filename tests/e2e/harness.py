@@ -15,13 +15,15 @@ DEVNULL = subprocess.DEVNULL
 BUNDLE = None  # the bundle under test, from --bundle
 
 
+def exe():
+    return os.path.join(BUNDLE, "Contents", "MacOS", "Vantrel")
+
+
 def wait_for(predicate, timeout=5.0, step=0.05):
     """Polls until predicate() is truthy; returns its last value."""
     end = time.monotonic() + timeout
-    value = predicate()
-    while not value and time.monotonic() < end:
+    while not (value := predicate()) and time.monotonic() < end:
         time.sleep(step)
-        value = predicate()
     return value
 
 
@@ -53,12 +55,10 @@ class Session:
         self.procs = [subprocess.Popen(["Xvfb", "-displayfd", str(w), "-screen", "0", "1280x1024x24", "-nolisten",
                                         "tcp", "-noreset"], pass_fds=(w,), stdout=DEVNULL, stderr=DEVNULL)]
         os.close(w)
-        display = b""
-        while not display.endswith(b"\n"):
-            display += os.read(r, 16) or sys.exit("Xvfb did not start")
-        os.close(r)
+        with os.fdopen(r) as f:  # Xvfb writes the display's number once it listens
+            display = f.readline().strip() or sys.exit("Xvfb did not start")
         self.env = dict({k: v for k, v in os.environ.items() if k in ("LANG", "LC_ALL", "TERM")},
-                        HOME=self.home, DISPLAY=":" + display.decode().strip(), XDG_CONFIG_HOME=self.config,
+                        HOME=self.home, DISPLAY=":" + display, XDG_CONFIG_HOME=self.config,
                         XDG_DATA_HOME=os.path.join(self.home, ".local/share"), XDG_RUNTIME_DIR=runtime,
                         XDG_CACHE_HOME=os.path.join(self.home, ".cache"),
                         # No session bus unless a test brings one: never autolaunch a daemon.
@@ -117,11 +117,11 @@ class Session:
                               capture_output=True, timeout=5).stdout
 
     # --- the program ---------------------------------------------------------------------------
-    def start(self, wait_splash=True, exe=None):
+    def start(self, wait_splash=True, program=None):
         if self.logf:
             self.logf.close()
         self.logf = open(os.path.join(self.tmp, "vantrel.log"), "a")
-        self.proc = subprocess.Popen([exe or os.path.join(BUNDLE, "Contents", "MacOS", "Vantrel")], env=self.env,
+        self.proc = subprocess.Popen([program or exe()], env=self.env,
                                      stdout=self.logf, stderr=subprocess.STDOUT, stdin=DEVNULL, cwd=self.home)
         if wait_splash:  # start-up ends when the splash has gone
             time.sleep(0.5)
@@ -165,17 +165,14 @@ class Session:
         self.run("xdotool", "mousemove", str(x), str(y))
         time.sleep(0.2)
 
-    def click(self, x, y, button=1):
-        self.run("xdotool", "mousemove", str(x), str(y), "click", str(button))
+    def click(self, x, y):
+        self.run("xdotool", "mousemove", str(x), str(y), "click", "1")
         time.sleep(0.2)
 
-    def windows(self, name="^Vantrel$", visible=True):
-        argv = ["xdotool", "search"] + (["--onlyvisible"] if visible else []) + ["--name", name]
-        return [int(w) for w in self.run(*argv, check=False).stdout.split()]
-
-    def own_windows(self):
-        return [int(w) for w in self.run("xdotool", "search", "--onlyvisible", "--pid", str(self.proc.pid),
-                                         check=False).stdout.split()]
+    def windows(self, name="^Vantrel$", own=False):
+        """Mapped windows by title, or all of the program's own."""
+        which = ["--pid", str(self.proc.pid)] if own else ["--name", name]
+        return [int(w) for w in self.run("xdotool", "search", "--onlyvisible", *which, check=False).stdout.split()]
 
     def role(self, wid):
         out = self.run("xprop", "-id", str(wid), "WM_WINDOW_ROLE", check=False).stdout
@@ -218,12 +215,6 @@ class Session:
     def size_of(self, path):
         return self.run("identify", "-format", "%wx%h", path).stdout
 
-    def rgb_rows(self, path):
-        """The picture's pixels as rows of (r, g, b)."""
-        w, h = map(int, self.size_of(path).split("x"))
-        raw = subprocess.run(["convert", path, "-depth", "8", "rgb:-"], capture_output=True, check=True).stdout
-        return [[tuple(raw[(y * w + x) * 3:(y * w + x) * 3 + 3]) for x in range(w)] for y in range(h)]
-
 
 class A11y:
     """The program's widgets through AT-SPI: the test and the program share the session bus that
@@ -265,13 +256,6 @@ class A11y:
     def click(self, session, node):
         x, y, w, h = self.extents(node)
         session.click(x + w // 2, y + h // 2)
-
-    def text(self, node):
-        t = node.queryText()
-        return t.getText(0, t.characterCount)
-
-    def value(self, node):
-        return node.queryValue().currentValue
 
 
 class E2ETestCase(unittest.TestCase):

@@ -5,14 +5,17 @@ installed bundle. The Debian package builds and lintian finds no error in it."""
 import glob
 import os
 import subprocess
-import sys
 import tempfile
 
-sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-import harness  # noqa: E402
-from harness import E2ETestCase, main, wait_for  # noqa: E402
+import harness
+from harness import E2ETestCase, main, wait_for
 
 PREFIX, APP = "/opt/vantrel test", "com.Morlane.Vantrel"
+
+
+def out(*argv):
+    r = subprocess.run(argv, capture_output=True, text=True)
+    return r.returncode, r.stdout + r.stderr
 
 
 class InstallTest(E2ETestCase):
@@ -23,12 +26,10 @@ class InstallTest(E2ETestCase):
         desktop = f"{top}/share/applications/{APP}.desktop"
         for argv in (["desktop-file-validate", desktop], ["appstreamcli", "validate", "--no-net", "--explain",
                                                           f"{top}/share/metainfo/com.morlane.Vantrel.metainfo.xml"]):
-            r = subprocess.run(argv, capture_output=True, text=True)
-            self.assertEqual(r.returncode, 0, r.stdout + r.stderr)
-            self.assertNotIn("error", (r.stdout + r.stderr).lower())
-        text = open(desktop).read()
-        self.assertIn(f'Exec="{PREFIX}/bin/vantrel"', text)
-        self.assertIn("StartupWMClass=Vantrel\n", text)
+            status, said = out(*argv)
+            self.assertTrue(status == 0 and "error" not in said.lower(), said)
+        self.assertIn(f'Exec="{PREFIX}/bin/vantrel"', harness.read(desktop))
+        self.assertIn("StartupWMClass=Vantrel\n", harness.read(desktop))
         icons = f"{top}/share/icons/hicolor"
         self.assertTrue(os.path.isfile(f"{icons}/scalable/apps/{APP}.svg"))
         for size in (16, 24, 32, 48, 64, 128, 256):
@@ -36,7 +37,7 @@ class InstallTest(E2ETestCase):
 
         # The launcher's program is the installed one, and its windows carry the launcher's class.
         s = self.s
-        s.start(wait_splash=False, exe=f"{top}/bin/vantrel")
+        s.start(wait_splash=False, program=f"{top}/bin/vantrel")
         splash = wait_for(lambda: s.of_role("splash"), 5.0)
         self.assertTrue(splash, "the installed program shows its splash")
         self.assertEqual(os.path.realpath(f"/proc/{s.proc.pid}/exe"),
@@ -44,17 +45,14 @@ class InstallTest(E2ETestCase):
         self.assertTrue(s.run("xprop", "-id", str(splash[0]), "WM_CLASS").stdout.rstrip().endswith('"Vantrel"'))
 
     def test_the_debian_package_builds_and_lintian_finds_no_error(self):
-        out = tempfile.mkdtemp(prefix="vantrel-deb-")
-        subprocess.run(["cpack", "-G", "DEB", "-B", out, "--config",
-                        os.path.join(os.path.dirname(harness.BUNDLE), "CPackConfig.cmake")],
-                       check=True, stdout=subprocess.DEVNULL)
-        debs = glob.glob(os.path.join(out, "vantrel_*.deb"))
-        self.assertEqual(len(debs), 1)
-        depends = subprocess.run(["dpkg-deb", "-f", debs[0], "Depends"], capture_output=True, text=True).stdout
-        for needed in ("libqt6widgets6", "libplist", "libmagick++", "xclip", "slop", "maim"):
-            self.assertIn(needed, depends)
-        r = subprocess.run(["lintian", "--no-tag-display-limit", debs[0]], capture_output=True, text=True)
-        self.assertEqual([line for line in r.stdout.splitlines() if line.startswith("E:")], [], r.stdout)
+        folder = tempfile.mkdtemp(prefix="vantrel-deb-")
+        self.assertEqual(out("cpack", "-G", "DEB", "-B", folder, "--config",
+                             os.path.join(os.path.dirname(harness.BUNDLE), "CPackConfig.cmake"))[0], 0)
+        deb, = glob.glob(os.path.join(folder, "vantrel_*.deb"))
+        depends = out("dpkg-deb", "-f", deb, "Depends")[1]
+        self.assertTrue(all(p in depends for p in ("libqt6widgets6", "libplist", "libmagick++", "xclip", "slop", "maim")))
+        said = out("lintian", "--no-tag-display-limit", deb)[1]
+        self.assertEqual([line for line in said.splitlines() if line.startswith("E:")], [], said)
 
 
 if __name__ == "__main__":

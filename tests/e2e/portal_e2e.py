@@ -1,8 +1,9 @@
 """A Wayland session's roads without a compositor: the real xdg-desktop-portal with a backend of
 ours (portal_mock.py) for GlobalShortcuts and Screenshot. The key is claimed once per start
 under one token, the desktop's Activated opens the editor on the portal's picture, a cancelled
-selection changes nothing, and a desktop that hands out no key gets the hint in Preferences.
-Run inside with_session_bus.sh."""
+selection changes nothing. Where no portal hands out a key, the one resident program takes
+later starts' requests (--capture, --preferences, --quit, or nothing) over the session bus, and
+Preferences show the hint. Run inside with_session_bus.sh."""
 
 import importlib.util
 import json
@@ -11,9 +12,8 @@ import subprocess
 import sys
 import time
 
-sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-import harness  # noqa: E402
-from harness import E2ETestCase, main, wait_for  # noqa: E402
+import harness
+from harness import E2ETestCase, main, wait_for
 
 PORTAL, MOCK = "/usr/libexec/xdg-desktop-portal", "org.freedesktop.DBus.Mock"
 
@@ -107,12 +107,25 @@ class PortalTest(E2ETestCase):
         created = wait_for(lambda: len(self.calls("CreateSession")) == 2 and self.calls("CreateSession"), 5.0)
         self.assertEqual(created[1][3]["session_handle_token"], "vantrel")
 
-    def test_no_portal_no_key_and_a_hint(self):
-        self.s.env["XDG_CURRENT_DESKTOP"] = "none"
-        self.s.start()
-        time.sleep(1.0)
+    def test_without_a_portal_later_starts_hand_over_and_preferences_give_the_hint(self):
+        s = self.s
+        s.env["XDG_CURRENT_DESKTOP"] = "none"
+        later = lambda *args: subprocess.run([self.exe, *args], env=s.env, capture_output=True, text=True, timeout=10)  # noqa: E731
+        r = later("--help")
+        self.assertTrue(r.returncode == 0 and all(o in r.stdout for o in ("--capture", "--preferences", "--quit")), r.stdout)
+        s.capture_puts(s.picture("k.png", "200x100", "xc:navy"))
+        s.start()
+        t0 = time.monotonic()
+        self.assertEqual(later().returncode, 0)
+        self.assertLess(time.monotonic() - t0, 2.0, "at once")
+        ours = subprocess.run(["pgrep", "-f", self.exe], capture_output=True, text=True).stdout.split()
+        self.assertEqual(len(ours), 1, "one resident program, one tray icon")
+        self.assertEqual(later("--capture").returncode, 0)
+        self.assertTrue(wait_for(lambda: s.of_role("editor"), 3.0), "the first one captured")
+        self.assertEqual(s.capture_calls(), ["-ci"])
         self.assertEqual(self.preferences_height(), 259, "the hint to bind Vantrel --capture")
-
+        self.assertEqual(later("--quit").returncode, 0)
+        self.assertEqual(s.wait_exit(5), 0)
 
 if __name__ == "__main__":
     missing = [m for m in ("dbus", "dbusmock") if importlib.util.find_spec(m) is None]

@@ -13,60 +13,59 @@ import tempfile
 import time
 import unittest
 
-sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from harness import read, wait_for  # noqa: E402
+from harness import read, wait_for
 
 USER = "vantrel-e2e"
 
 
-class SwayTest(unittest.TestCase):
-    def run_(self, *argv):
-        return subprocess.run(list(argv), env=dict(os.environ, XDG_SESSION_TYPE="wayland"), capture_output=True, timeout=20)
+def run(*argv):
+    return subprocess.run(argv, env=dict(os.environ, XDG_SESSION_TYPE="wayland"), capture_output=True, timeout=20)
 
-    def region(self, text):
-        with open(os.path.join(TMP, "region"), "w") as f:
-            f.write(text)
+
+class SwayTest(unittest.TestCase):
+    def select(self, region):
+        with open(f"{TMP}/region", "w") as f:
+            f.write(region)
 
     def editors(self):
-        return self.run_("swaymsg", "-t", "get_tree").stdout.count(b'"name": "Vantrel"')
+        return run("swaymsg", "-t", "get_tree").stdout.count(b'"name": "Vantrel"')
 
     def assert_clipboard_is(self, x, y, w, h):
-        clip = lambda: self.run_("xclip", "-o", "-selection", "clipboard", "-t", "image/png").stdout  # noqa: E731
-        self.assertTrue(wait_for(lambda: clip()[:4] == b"\x89PNG", 5.0))
-        with open(os.path.join(TMP, "got.png"), "wb") as f:
-            f.write(clip())
-        self.run_("convert", os.path.join(TMP, "screen.png"), "-crop", f"{w}x{h}+{x}+{y}", "+repage", f"{TMP}/want.png")
-        diff = self.run_("compare", "-metric", "AE", f"{TMP}/want.png", f"{TMP}/got.png", "null:").stderr.strip()
+        self.assertTrue(wait_for(lambda: run("xclip", "-o", "-selection", "clipboard", "-t", "image/png").stdout[:4] == b"\x89PNG", 5.0))
+        with open(f"{TMP}/got.png", "wb") as f:
+            f.write(run("xclip", "-o", "-selection", "clipboard", "-t", "image/png").stdout)
+        run("convert", f"{TMP}/screen.png", "-crop", f"{w}x{h}+{x}+{y}", "+repage", f"{TMP}/want.png")
+        diff = run("compare", "-metric", "AE", f"{TMP}/want.png", f"{TMP}/got.png", "null:").stderr.strip()
         self.assertEqual(diff, b"0", "the clipboard holds exactly the selected region")
 
     def test_capture_by_command_by_sway_binding_and_cancelled(self):
         # The screen as grim reads it, before any window covers it (sway tiles the editor).
-        self.assertEqual(self.run_("grim", os.path.join(TMP, "screen.png")).returncode, 0)
+        self.assertEqual(run("grim", f"{TMP}/screen.png").returncode, 0)
         vantrel = subprocess.Popen([EXE], env=dict(os.environ, XDG_SESSION_TYPE="wayland"),
                                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.addCleanup(lambda: (vantrel.kill(), vantrel.wait()))
         time.sleep(2.5)  # the splash comes and goes
-        self.run_("sh", "-c", "echo before | xclip -selection clipboard -i >/dev/null 2>&1")
-        self.region("cancel")
-        self.assertEqual(self.run_(EXE, "--capture").returncode, 0)
+        run("sh", "-c", "echo before | xclip -selection clipboard -i >/dev/null 2>&1")
+        self.select("cancel")
+        self.assertEqual(run(EXE, "--capture").returncode, 0)
         time.sleep(2.0)
         self.assertEqual(self.editors(), 0, "a cancelled selection opens nothing")
-        self.assertEqual(self.run_("xclip", "-o", "-selection", "clipboard").stdout, b"before\n")
-        self.region("100,80 320x200")
-        self.run_(EXE, "--capture")
+        self.assertEqual(run("xclip", "-o", "-selection", "clipboard").stdout, b"before\n")
+        self.select("100,80 320x200")
+        run(EXE, "--capture")
         self.assertTrue(wait_for(self.editors, 8.0), "the editor opens")
         self.assert_clipboard_is(100, 80, 320, 200)
-        self.run_("swaymsg", "[title=Vantrel] kill")
+        run("swaymsg", "[title=Vantrel] kill")
         self.assertTrue(wait_for(lambda: not self.editors(), 5.0))
-        self.region("400,300 200x120")
-        self.run_("wtype", "-M", "shift", "-M", "ctrl", "2", "-m", "ctrl", "-m", "shift")
+        self.select("400,300 200x120")
+        run("wtype", "-M", "shift", "-M", "ctrl", "2", "-m", "ctrl", "-m", "shift")
         self.assertTrue(wait_for(self.editors, 8.0), "sway's binding of vantrel --capture")
         self.assert_clipboard_is(400, 300, 200, 120)
 
 
 def inner():
     """Inside the user's own bus: PipeWire, then sway, then the test."""
-    subprocess.run(["convert", "-size", "1280x720", "gradient:#d03020-#2040c0", f"{TMP}/bg.png"], check=True)
+    run("convert", "-size", "1280x720", "gradient:#d03020-#2040c0", f"{TMP}/bg.png")
     with open(f"{TMP}/bin/slurp", "w") as f:
         f.write(f'#!/bin/sh\nsleep 0.2\nr=$(cat "{TMP}/region")\n[ "$r" = cancel ] && exit 1\necho "$r"\n')
     os.chmod(f"{TMP}/bin/slurp", 0o755)
@@ -110,9 +109,7 @@ def outer(bundle):
         for f in ("sway_e2e.py", "harness.py"):
             shutil.copy(os.path.join(os.path.dirname(os.path.abspath(__file__)), f), tmp)
         shutil.copytree(bundle, f"{tmp}/Vantrel.app", symlinks=True)
-        for root, dirs, files in os.walk(tmp):
-            for p in [root] + [os.path.join(root, x) for x in dirs + files]:
-                os.lchown(p, owner.pw_uid, owner.pw_gid)
+        subprocess.run(["chown", "-R", "-h", f"{owner.pw_uid}:{owner.pw_gid}", tmp], check=True)
         env = {"HOME": owner.pw_dir, "XDG_RUNTIME_DIR": f"{tmp}/runtime", "SWAY_TEST_DIR": tmp, "LANG": "C.UTF-8",
                "XDG_CURRENT_DESKTOP": "sway", "PATH": f"{tmp}/bin:/usr/local/bin:/usr/bin:/bin"}
         sys.exit(subprocess.run(run_as + ["env", "-i"] + [f"{k}={v}" for k, v in env.items()] +
