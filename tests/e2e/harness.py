@@ -116,6 +116,12 @@ class Session:
         return subprocess.run(["xclip", "-o", "-selection", "clipboard", "-t", target], env=self.env,
                               capture_output=True, timeout=5).stdout
 
+    def clipboard_png(self, name="clip.png"):
+        """The clipboard's picture in a file (an empty one when it holds none)."""
+        with open(os.path.join(self.tmp, name), "wb") as f:
+            f.write(self.clipboard())
+        return f.name
+
     # --- the program ---------------------------------------------------------------------------
     def start(self, wait_splash=True, program=None):
         if self.logf:
@@ -160,10 +166,6 @@ class Session:
 
     def key(self, *keys):
         self.run("xdotool", "key", *keys)
-
-    def pointer(self, x, y):
-        self.run("xdotool", "mousemove", str(x), str(y))
-        time.sleep(0.2)
 
     def click(self, x, y):
         self.run("xdotool", "mousemove", str(x), str(y), "click", "1")
@@ -213,7 +215,7 @@ class Session:
         return int(float(self.run("compare", "-metric", "AE", a, b, "null:", check=False).stderr.split()[0]))
 
     def size_of(self, path):
-        return self.run("identify", "-format", "%wx%h", path).stdout
+        return self.run("identify", "-format", "%wx%h", path, check=False).stdout
 
 
 class A11y:
@@ -245,17 +247,17 @@ class A11y:
                 continue
         return None
 
-    def wait_find(self, role, name, timeout=3.0):
-        return wait_for(lambda: (lambda n: n if n is not None and self.extents(n)[2] > 0 else None)(self.find(role, name)),
-                        timeout)
-
-    def extents(self, node):
-        e = node.queryComponent().getExtents(self.pyatspi.DESKTOP_COORDS)
-        return e.x, e.y, e.width, e.height
-
-    def click(self, session, node):
-        x, y, w, h = self.extents(node)
-        session.click(x + w // 2, y + h // 2)
+    def press(self, session, name, timeout=3.0):
+        """Clicks the button of that name once it shows; whether there was one."""
+        def shown():
+            n = self.find("push button", name)
+            e = n.queryComponent().getExtents(self.pyatspi.DESKTOP_COORDS) if n is not None else None
+            return e if e is not None and e.width > 0 else None
+        e = wait_for(shown, timeout)
+        if e:
+            session.click(e.x + e.width // 2, e.y + e.height // 2)
+            time.sleep(0.1)
+        return bool(e)
 
 
 class E2ETestCase(unittest.TestCase):

@@ -12,8 +12,7 @@ import subprocess
 import sys
 import time
 
-import harness
-from harness import E2ETestCase, main, wait_for
+from harness import E2ETestCase, exe, main, wait_for
 
 PORTAL, MOCK = "/usr/libexec/xdg-desktop-portal", "org.freedesktop.DBus.Mock"
 
@@ -24,7 +23,6 @@ class PortalTest(E2ETestCase):
         s = self.s
         s.env.update(DBUS_SESSION_BUS_ADDRESS=os.environ["DBUS_SESSION_BUS_ADDRESS"], XDG_SESSION_TYPE="wayland",
                      WAYLAND_DISPLAY="wayland-none", XDG_CURRENT_DESKTOP="mocktest")
-        self.exe = os.path.join(harness.BUNDLE, "Contents", "MacOS", "Vantrel")
         self.folder = os.path.join(s.tmp, "portal")
         os.makedirs(os.path.join(self.folder, "portals"))
         with open(os.path.join(self.folder, "portals", "mock.portal"), "w") as f:
@@ -59,7 +57,7 @@ class PortalTest(E2ETestCase):
             f.write(str(response))
 
     def preferences_height(self):
-        subprocess.run([self.exe, "--preferences"], env=self.s.env, timeout=10)
+        subprocess.run([exe(), "--preferences"], env=self.s.env, timeout=10)
         return self.s.geometry(wait_for(lambda: self.s.windows(name="^Preferences$"), 3.0)[0])[3]
 
     def test_the_desktop_key_captures_through_the_portal(self):
@@ -92,16 +90,13 @@ class PortalTest(E2ETestCase):
         self.portal_answers(0)
         activate()
         self.assertTrue(wait_for(lambda: s.of_role("editor"), 5.0), "the editor on the portal's picture")
-        clip = os.path.join(s.tmp, "clip.png")
-        with open(clip, "wb") as f:
-            f.write(s.clipboard())
-        self.assertEqual(s.size_of(clip), "64x48")
+        self.assertEqual(s.size_of(s.clipboard_png()), "64x48")
         self.assertFalse(os.path.exists(os.path.join(self.folder, "shot.png")), "the portal's file is removed")
         self.assertEqual(self.calls("BindShortcuts"), [], "kept from the session: never bound again")
         self.assertEqual(self.preferences_height(), 219, "no hint: the desktop gave the key")
 
         # A later start of the resident program asks under the same token.
-        subprocess.run([self.exe, "--quit"], env=s.env, timeout=10)
+        subprocess.run([exe(), "--quit"], env=s.env, timeout=10)
         self.assertEqual(s.wait_exit(5), 0)
         s.start()
         created = wait_for(lambda: len(self.calls("CreateSession")) == 2 and self.calls("CreateSession"), 5.0)
@@ -110,7 +105,7 @@ class PortalTest(E2ETestCase):
     def test_without_a_portal_later_starts_hand_over_and_preferences_give_the_hint(self):
         s = self.s
         s.env["XDG_CURRENT_DESKTOP"] = "none"
-        later = lambda *args: subprocess.run([self.exe, *args], env=s.env, capture_output=True, text=True, timeout=10)  # noqa: E731
+        later = lambda *args: subprocess.run([exe(), *args], env=s.env, capture_output=True, text=True, timeout=10)  # noqa: E731
         r = later("--help")
         self.assertTrue(r.returncode == 0 and all(o in r.stdout for o in ("--capture", "--preferences", "--quit")), r.stdout)
         s.capture_puts(s.picture("k.png", "200x100", "xc:navy"))
@@ -118,7 +113,7 @@ class PortalTest(E2ETestCase):
         t0 = time.monotonic()
         self.assertEqual(later().returncode, 0)
         self.assertLess(time.monotonic() - t0, 2.0, "at once")
-        ours = subprocess.run(["pgrep", "-f", self.exe], capture_output=True, text=True).stdout.split()
+        ours = subprocess.run(["pgrep", "-f", exe()], capture_output=True, text=True).stdout.split()
         self.assertEqual(len(ours), 1, "one resident program, one tray icon")
         self.assertEqual(later("--capture").returncode, 0)
         self.assertTrue(wait_for(lambda: s.of_role("editor"), 3.0), "the first one captured")

@@ -27,10 +27,8 @@ private slots:
             {"150", 150}, {"12.75", 12.75}, {"75%", 75}, {"  42", 42}, {"-5", -5}, {"abc", 0},
             {"", 0},      {"-", 0},         {".", 0},    {"1e3x", 1000}, {"2e", 2}};
         for (const auto &[text, expected] : cases) QCOMPARE(Val(text), expected);
-        QCOMPARE(toInt(1e12), INT_MAX); // a 1000 % scale of a huge capture saturates
-        QCOMPARE(toInt(-1e12), INT_MIN);
-        QCOMPARE(toInt(std::nan("")), 0);
-        QCOMPARE(toInt(-2.7), -2);
+        // A 1000 % scale of a huge capture saturates.
+        QCOMPARE((QList<int>{toInt(1e12), toInt(-1e12), toInt(std::nan("")), toInt(-2.7)}), (QList<int>{INT_MAX, INT_MIN, 0, -2}));
     }
 
     void versionGate_readsTheThirteenthCharacter()
@@ -190,11 +188,10 @@ private slots:
             else QCOMPARE(c.method(), method);
         }
         // X11 on a Wayland session with XWayland, unless the user chose a platform.
-        QVERIFY(shouldStayX11("", "wayland", "wayland-0", ":0"));
-        QVERIFY(shouldStayX11("", "", "wayland-1", ":1"));
-        QVERIFY(!shouldStayX11("wayland", "wayland", "wayland-0", ":0"));
-        QVERIFY(!shouldStayX11("", "wayland", "wayland-0", ""));
-        QVERIFY(!shouldStayX11("", "x11", "", ":0"));
+        QCOMPARE((QList<bool>{shouldStayX11("", "wayland", "wayland-0", ":0"), shouldStayX11("", "", "wayland-1", ":1"),
+                              shouldStayX11("wayland", "wayland", "wayland-0", ":0"),
+                              shouldStayX11("", "wayland", "wayland-0", ""), shouldStayX11("", "x11", "", ":0")}),
+                 (QList<bool>{true, true, false, false, false}));
     }
 
     void hotKey_describedForXAndThePortal()
@@ -210,16 +207,12 @@ private slots:
         QCOMPARE(fw::portalRequestPath(":1.42", "vantrel3"), "/org/freedesktop/portal/desktop/request/1_42/vantrel3");
     }
 
-    void execLines_roundTripAndFieldCodes()
+    // Awkward paths are checked with real launchers; here, what a launcher does with field codes.
+    void execLines_fieldCodes()
     {
-        for (const QString path : {"/opt/Vantrel.app/Contents/MacOS/Vantrel", "/home/a b/My Apps/Vantrel",
-                                   "/tmp/it's \"odd\" $HOME `x`/Vantrel", "/tmp/back\\slash 100%/Vantrel",
-                                   "/home/zoë/Приложения/Vantrel"}) {
-            const QString entry = fw::desktopentry::applicationEntry("X", {path, "--flag"}, "c");
-            QCOMPARE(fw::desktopentry::parseExec(fw::desktopentry::value(entry, "Exec")), (QStringList{path, "--flag"}));
-        }
         QCOMPARE(fw::desktopentry::parseExec("prog %U --x"), (QStringList{"prog", "--x"}));
         QCOMPARE(fw::desktopentry::parseExec("prog 100%%"), (QStringList{"prog", "100%"}));
+        QCOMPARE(fw::desktopentry::parseExec("\"/a b/it's \\\"x\\\"\" -y"), (QStringList{"/a b/it's \"x\"", "-y"}));
     }
 };
 

@@ -49,6 +49,7 @@ private slots:
         const auto c = t.keys->claims.first();
         QCOMPARE((QList<int>{c.keycode, c.modifiers, int(c.signature)}), (QList<int>{'2', 768, 0x73636370}));
         QVERIFY(!QFile::exists(t.plistPath()));
+        QVERIFY(t.app->trayIcon());
         // Another signature does nothing; any id of ours captures; a press while the capture
         // runs is dropped.
         t.keys->press(fw::OSTypeFromString("xxxx"), 1);
@@ -335,8 +336,6 @@ private slots:
         for (const QString item : {"FileQuit Ctrl+Q", "FilePrint Ctrl+P", "FileClose Ctrl+W", "FilePreferences ",
                                    "EditUndo Ctrl+Z", "EditCut Ctrl+X", "EditCopy Ctrl+C", "EditPaste Ctrl+V", "EditClear "})
             QCOMPARE(MenuBar1::find(bar, item.section(' ', 0, 0))->shortcut().toString(), item.section(' ', 1));
-        QVERIFY(MenuBar1::find(bar, "UntitledMenu0")->isSeparator());
-        QCOMPARE(MenuBar1::find(bar, "FilePageSetup"), nullptr); // no item leads there
         fw::Application &app = *t.app;
         QApplication::setActiveWindow(&w);
         QVERIFY(MenuBar1::isAvailable(app, "FilePrint"));
@@ -379,6 +378,7 @@ private slots:
         dockicon::setHidden(t.bundlePath(), true);
         const QByteArray before = QDir(t.autostartFolder()).entryList(QDir::Files).join(",").toUtf8();
         t.app->_Startup();
+        QVERIFY2(!t.app->trayIcon(), "hidden by the bundle at launch");
         prefwin &p = prefwin::instance();
         QVERIFY(!p.isVisible());
         QVERIFY(p.quartz->isChecked() && p.CheckBox1->isChecked() && p.CheckBox2->isChecked());

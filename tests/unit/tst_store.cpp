@@ -67,9 +67,6 @@ private slots:
         QCOMPARE(r.CopyAppIntegerValue("missing", "d"), qint64(0));
         QVERIFY_THROWS_EXCEPTION(fw::IllegalCastException, r.CopyAppValue("s", "d")->toData());
         QVERIFY_THROWS_EXCEPTION(fw::IllegalCastException, r.CopyAppValue("t", "d")->toString());
-        r.SetAppValue("k", fw::NewCFString("v"), ""); // an unset domain answers as absent
-        QCOMPARE(r.CopyAppValue("k", ""), fw::StoreObject());
-        QCOMPARE(r.AppSynchronize(""), false);
         // Another writer's keys, and types the program doesn't know, survive a synchronise.
         fw::CFPreferences theirs(other);
         theirs.SetAppValue("Theirs", fw::NewCFString("1"), "d");
@@ -147,67 +144,51 @@ private slots:
         }
     }
 
+    // The bundle's flag, read and written beside what the file holds. At launch no type of value
+    // stops the program; a missing or broken file reads false and is never written; a bundle the
+    // user can't write is left alone and the user's own copy takes the change.
     void trayFlag_readAndWrite()
     {
-        const QByteArray k = "<key>LSUIElement</key>";
-        // inside <dict>, action ("read", "launch", "hide", "show"), what is read or written
-        const struct { QByteArray body; const char *action, *expected; } cases[] = {
-            {"", "read", "false"},
-            {k + "<integer>1</integer>", "read", "true"},
-            {k + "<integer>2</integer>", "read", "false"},
-            {k + "<string>1</string>", "read", "raises"},
-            // At launch no type of value stops the program.
-            {k + "<string>1</string>", "launch", "true"},
-            {k + "<true/>", "launch", "true"},
-            {k + "<date>2026-01-01T00:00:00Z</date>", "launch", "false"},
-            {"", "show", "0"},
-            {k + "<string>x</string>", "hide", "1"},
-        };
+        const QByteArray k = "<key>LSUIElement</key>", name = "<key>CFBundleName</key><string>Vantrel</string>";
+        // Info.plist (none: no file), action, what is read, or what the file holds afterwards
+        const struct { QByteArray info; QString action, expected; } cases[] = {
+            {"<dict/>", "read", "false"}, {"<dict>" + k + "<integer>1</integer></dict>", "read", "true"},
+            {"<dict>" + k + "<integer>2</integer></dict>", "read", "false"},
+            {"<dict>" + k + "<string>1</string></dict>", "read", "raises"},
+            {"<dict>" + k + "<string>1</string></dict>", "launch", "true"},
+            {"<dict>" + k + "<true/></dict>", "launch", "true"},
+            {"<dict>" + k + "<date>2026-01-01T00:00:00Z</date></dict>", "launch", "false"},
+            {"garbage", "read", "false"}, {"garbage", "hide", "garbage"}, {"", "hide", "no file"},
+            {"<dict>" + name + "</dict>", "show", "<integer>0</integer>"},
+            {"<dict>" + name + k + "<string>x</string></dict>", "hide", "<integer>1</integer>"},
+            {"<dict/>", "hide, read-only", "<dict/>"}};
         for (const auto &c : cases) {
             QTemporaryDir dir;
             const QString bundle = dir.path() + "/Vantrel.app", info = bundle + "/Contents/Info.plist";
-            writeFile(info, plistWith("<key>CFBundleName</key><string>Vantrel</string>" + c.body));
-            const QString action = c.action, expected = c.expected;
-            if (action == "launch") QCOMPARE(dockicon::hiddenAtLaunch(bundle), expected == "true");
-            else if (expected == "raises") QVERIFY_THROWS_EXCEPTION(fw::IllegalCastException, dockicon::isHidden(bundle));
-            else if (action == "read") QCOMPARE(dockicon::isHidden(bundle), expected == "true");
-            else {
-                dockicon::setHidden(bundle, action == "hide");
-                const QByteArray written = readFile(info);
-                QVERIFY(written.contains(k + "\n\t<integer>" + expected.toUtf8() + "</integer>"));
-                QVERIFY(written.contains("<string>Vantrel</string>"));
+            if (!c.info.isEmpty()) writeFile(info, c.info == "garbage" ? c.info : "<plist>" + c.info + "</plist>");
+            const bool readOnly = c.action.endsWith("read-only");
+            if (readOnly) { // root writes through permissions: be an ordinary user
+                QFile::setPermissions(bundle + "/Contents", QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther | QFile::ExeOther);
+                QDir().mkpath(dir.path() + "/config");
+                for (const QString &d : {dir.path(), dir.path() + "/config"}) QFile::setPermissions(d, QFile::Permissions(0x7777));
+                qputenv("XDG_CONFIG_HOME", (dir.path() + "/config").toUtf8());
+                if (::geteuid() == 0) QVERIFY(::setegid(65534) == 0 && ::seteuid(65534) == 0);
             }
+            if (c.action == "launch") QCOMPARE(dockicon::hiddenAtLaunch(bundle), c.expected == "true");
+            else if (c.expected == "raises") QVERIFY_THROWS_EXCEPTION(fw::IllegalCastException, dockicon::isHidden(bundle));
+            else if (c.action == "read") QCOMPARE(dockicon::isHidden(bundle), c.expected == "true");
+            else dockicon::setHidden(bundle, c.action.startsWith("hide"));
+            if (readOnly) {
+                QVERIFY2(dockicon::isHidden(bundle) && dockicon::hiddenAtLaunch(bundle), "the user's own copy took it");
+                if (::getuid() == 0) QVERIFY(::seteuid(0) == 0 && ::setegid(0) == 0);
+                qunsetenv("XDG_CONFIG_HOME");
+                QFile::setPermissions(bundle + "/Contents", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+            }
+            if (c.action == "read" || c.action == "launch") continue;
+            const QByteArray after = QFile::exists(info) ? readFile(info) : "no file";
+            QVERIFY2(after.contains(c.expected.startsWith("<integer>") ? k + "\n\t" + c.expected.toUtf8() : c.expected.toUtf8()), after);
+            QVERIFY(!c.info.contains("CFBundleName") || after.contains("<string>Vantrel</string>"));
         }
-    }
-
-    // A missing or broken file reads false and is never written; a bundle the user can't write
-    // is left alone and the user's own copy takes the change.
-    void trayFlag_brokenFilesAndReadOnlyBundles()
-    {
-        QTemporaryDir dir;
-        dockicon::setHidden(dir.path() + "/Nowhere.app", true);
-        QVERIFY(!QFile::exists(dir.path() + "/Nowhere.app"));
-        writeFile(dir.path() + "/Bad.app/Contents/Info.plist", "garbage");
-        QVERIFY(!dockicon::isHidden(dir.path() + "/Bad.app"));
-        dockicon::setHidden(dir.path() + "/Bad.app", true);
-        QCOMPARE(readFile(dir.path() + "/Bad.app/Contents/Info.plist"), QByteArray("garbage"));
-
-        const QString bundle = dir.path() + "/Vantrel.app", config = dir.path() + "/config";
-        writeFile(bundle + "/Contents/Info.plist", "<plist><dict/></plist>");
-        QDir().mkpath(config);
-        QFile::setPermissions(bundle + "/Contents", QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther | QFile::ExeOther);
-        QFile::setPermissions(dir.path(), QFile::Permissions(0x7777));
-        QFile::setPermissions(config, QFile::Permissions(0x7777));
-        qputenv("XDG_CONFIG_HOME", config.toUtf8());
-        const uid_t was = ::geteuid(); // root writes through permissions: be an ordinary user
-        if (was == 0) QVERIFY(::setegid(65534) == 0 && ::seteuid(65534) == 0);
-        dockicon::setHidden(bundle, true);
-        const bool hidden = dockicon::isHidden(bundle), atLaunch = dockicon::hiddenAtLaunch(bundle);
-        if (was == 0) QVERIFY(::seteuid(0) == 0 && ::setegid(0) == 0);
-        qunsetenv("XDG_CONFIG_HOME");
-        QFile::setPermissions(bundle + "/Contents", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        QCOMPARE(readFile(bundle + "/Contents/Info.plist"), QByteArray("<plist><dict/></plist>"));
-        QVERIFY(hidden && atLaunch); // the user's own copy took the change
     }
 
     void loginWalk()
@@ -370,21 +351,15 @@ private slots:
         QVERIFY(!QFileInfo::exists(dir.filePath("gone")));
     }
 
-    void privateTemporaryFolder_refusesALinkAndTightensItsMode()
+    void privateTemporaryFolder_isTheUsersAlone()
     {
         QTemporaryDir dir;
-        const QString runtime = dir.path() + "/runtime";
-        QDir().mkpath(dir.path() + "/elsewhere");
-        QDir().mkpath(runtime);
-        QFile::setPermissions(runtime, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        qputenv("XDG_RUNTIME_DIR", runtime.toUtf8());
-        QFile::link(dir.path() + "/elsewhere", runtime + "/Vantrel");
-        QCOMPARE(fw::privateTemporaryFolder(), QString());
-        QFile::remove(runtime + "/Vantrel");
-        QDir().mkpath(runtime + "/Vantrel");
-        QFile::setPermissions(runtime + "/Vantrel", QFile::Permissions(0x7777));
-        QCOMPARE(fw::privateTemporaryFolder(), runtime + "/Vantrel");
-        QCOMPARE(int(QFileInfo(runtime + "/Vantrel").permissions() & 0x0077), 0);
+        const QString ours = dir.path() + "/Vantrel";
+        qputenv("XDG_RUNTIME_DIR", dir.path().toUtf8());
+        QDir().mkpath(ours);
+        QFile::setPermissions(ours, QFile::Permissions(0x7777));
+        QCOMPARE(fw::privateTemporaryFolder(), ours);
+        QCOMPARE(int(QFileInfo(ours).permissions() & 0x0077), 0); // tightened
         qunsetenv("XDG_RUNTIME_DIR");
     }
 };
