@@ -8,4 +8,6 @@ code=$(git ls-files -- '*.cpp' '*.h' | grep -v -E '^(tests|bench)/' | xargs cat 
 tests=$(git ls-files -- 'tests/*' | xargs cat | wc -l)
 echo "tests: $tests lines"
 echo "code:  $code lines"
-echo "ratio: $((tests * 100 / code)) % (the rule: 25-33 %)"
+# Tenths of a percent, and the bounds exactly: at least a quarter, at most a third.
+echo "ratio: $((tests * 100 / code)).$((tests * 1000 / code % 10)) % (the rule: a quarter to a third)"
+if [ $((tests * 4)) -lt "$code" ] || [ $((tests * 3)) -gt "$code" ]; then echo "outside the rule"; else echo "within the rule"; fi
