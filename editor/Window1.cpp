@@ -224,8 +224,7 @@ bool Window1::Event_MouseDown(int x, int y)
 
 void Window1::Event_MouseDrag(int x, int y)
 {
-    setLeft(Left() + x - xdown);
-    setTop(Top() + y - ydown);
+    moveContentTo(Left() + x - xdown, Top() + y - ydown);
 }
 
 void Window1::AddMenuHandlers()

@@ -42,26 +42,29 @@ int Window::Height() const { return height() - barsHeight(); }
 
 // The content's place, not the frame's: under a window manager move() would place the frame
 // there, and every write would shift the window by the frame.
-void Window::setLeft(int v) { setGeometry(QRect(QPoint(v, geometry().y()), geometry().size())); }
-void Window::setTop(int v) { setGeometry(QRect(QPoint(geometry().x(), v - barsHeight()), geometry().size())); }
+void Window::setLeft(int v) { moveContentTo(v, Top()); }
+void Window::setTop(int v) { moveContentTo(Left(), v); }
+void Window::moveContentTo(int left, int top) { setGeometry(QRect(QPoint(left, top - barsHeight()), geometry().size())); }
+
+// What a write of the content's width or height gives: within the limits, bars included.
+int Window::boundedWidth(int v) const { return qBound(minimumWidth(), v, qMin(m_maxW, maximumWidth())); }
+int Window::boundedHeight(int v) const { return qBound(minimumHeight(), qMin(v, m_maxH) + barsHeight(), maximumHeight()); }
+
 void Window::setWidth(int v)
 {
-    resize(qBound(minimumWidth(), v, qMin(m_maxW, maximumWidth())), height());
+    resize(boundedWidth(v), height());
     layoutFor(size());
 }
 
 void Window::setHeight(int v)
 {
-    resize(width(), qBound(minimumHeight(), qMin(v, m_maxH) + barsHeight(), maximumHeight()));
+    resize(width(), boundedHeight(v));
     layoutFor(size());
 }
 
 void Window::setBounds(int left, int top, int width, int height)
 {
-    const int bars = barsHeight();
-    const int w = qBound(minimumWidth(), width, qMin(m_maxW, maximumWidth()));
-    const int h = qBound(minimumHeight(), qMin(height, m_maxH) + bars, maximumHeight());
-    setGeometry(QRect(left, top - bars, w, h));
+    setGeometry(QRect(left, top - barsHeight(), boundedWidth(width), boundedHeight(height)));
     layoutFor(size());
 }
 

@@ -46,6 +46,8 @@ public:
     int Height() const;
     void setLeft(int v);
     void setTop(int v);
+    // Left and Top at once: one request to the window manager.
+    void moveContentTo(int left, int top);
     void setWidth(int v);
     void setHeight(int v);
     // All four at once: one request to the window manager, so a shown window moves in one step
@@ -78,6 +80,8 @@ private:
     WindowRegistry &m_registry;
     QHash<QString, std::function<bool()>> m_menuHandlers;
     void applySizeLimits();
+    int boundedWidth(int v) const;
+    int boundedHeight(int v) const;
     int m_maxW = 32000, m_maxH = 32000;
     int m_minW = 0, m_minH = 0;
     mutable bool m_frameAsked = false;
