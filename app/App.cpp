@@ -2,7 +2,7 @@
 
 #include "app/FileTypes.h"
 #include "app/splash.h"
-#include "platform/Failure.h"
+#include "platform/core/Failure.h"
 #include "editor/Window1.h"
 #include "prefs/HideDockIcon.h"
 #include "prefs/Preferences.h"

@@ -2,8 +2,8 @@
 // The application object: the order of start, the breadcrumb of the failure message, and the
 // two menu commands that work with every window hidden.
 
-#include "platform/Application.h"
-#include "platform/TrayIcon.h"
+#include "platform/framework/Application.h"
+#include "platform/desktop/TrayIcon.h"
 
 #include <QString>
 

@@ -1,6 +1,6 @@
 #include "app/CommandLine.h"
 
-#include "platform/Services.h"
+#include "platform/framework/Services.h"
 
 QString CommandLine::method() const
 {

@@ -1,6 +1,6 @@
 #include "app/MenuBar1.h"
 
-#include "platform/Application.h"
+#include "platform/framework/Application.h"
 
 #include <QAction>
 #include <QShortcut>

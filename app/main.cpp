@@ -4,9 +4,9 @@
 #include "app/App.h"
 #include "app/CommandLine.h"
 #include "capture/keytrigger.h"
-#include "platform/HotKeyService.h"
-#include "platform/Services.h"
-#include "platform/SingleInstance.h"
+#include "platform/hotkeys/HotKeyService.h"
+#include "platform/framework/Services.h"
+#include "platform/desktop/SingleInstance.h"
 #include "prefs/Preferences.h"
 
 #include <QApplication>

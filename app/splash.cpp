@@ -2,10 +2,10 @@
 
 #include "app/App.h"
 #include "output/ToolbarPictures.h"
-#include "platform/Canvas.h"
-#include "platform/Failure.h"
-#include "platform/Screen.h"
-#include "platform/Services.h"
+#include "platform/framework/Canvas.h"
+#include "platform/core/Failure.h"
+#include "platform/display/Screen.h"
+#include "platform/framework/Services.h"
 
 #include <QCloseEvent>
 #include <QEventLoop>

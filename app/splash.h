@@ -2,7 +2,7 @@
 // The only sign of life at start: a small white box in the middle of the main screen with the
 // icon, the version and the credits, for a second and a half. The hot key already works.
 
-#include "platform/Window.h"
+#include "platform/framework/Window.h"
 
 class QEventLoop;
 class QLabel;

@@ -4,11 +4,11 @@
 
 #include "app/App.h"
 #include "editor/Window1.h"
-#include "platform/Canvas.h"
-#include "platform/Services.h"
+#include "platform/framework/Canvas.h"
+#include "platform/framework/Services.h"
 #include "prefs/Preferences.h"
-#include "platform/GraphicsExporter.h"
-#include "platform/MagickWriter.h"
+#include "output/export/GraphicsExporter.h"
+#include "output/export/MagickWriter.h"
 #include "prefs/prefwin.h"
 #include "recent/recentwin.h"
 

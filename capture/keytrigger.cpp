@@ -1,13 +1,13 @@
 #include "capture/keytrigger.h"
 
-#include "capture/CGImage.h"
+#include "platform/core/Picture.h"
 #include "capture/CaptureCommand.h"
 #include "editor/Window1.h"
-#include "platform/Application.h"
-#include "platform/Clipboard.h"
-#include "platform/Failure.h"
-#include "platform/HotKeyService.h"
-#include "platform/Services.h"
+#include "platform/framework/Application.h"
+#include "platform/system/Clipboard.h"
+#include "platform/core/Failure.h"
+#include "platform/hotkeys/HotKeyService.h"
+#include "platform/framework/Services.h"
 #include "recent/recentwin.h"
 
 #include <QApplication>
@@ -61,10 +61,10 @@ void keytrigger::Event_HotKeyPressed(quint32 hotkeysignature, int)
     fw::nilCheck(p);
     recentwin::instance().addimage(p);
 
-    QImage mask = fw::nilCheck(capture::NewPicture(p.width(), p.height()));
+    QImage mask = fw::nilCheck(fw::NewPicture(p.width(), p.height()));
     mask.fill(QColor(0, 0, 0));
 
-    w.mypic = capture::CGCreateImage(capture::BitmapOf(p), mask);
+    w.mypic = fw::CGCreateImage(fw::BitmapOf(p), mask);
     if (w.mypic.isNull()) return;
     w.loadimage(QString());
 }

@@ -1,7 +1,7 @@
 #include "editor/Caption.h"
 
 #include "editor/EditorMath.h"
-#include "platform/Failure.h"
+#include "platform/core/Failure.h"
 
 #include <QFontMetricsF>
 #include <QPainter>

@@ -3,7 +3,8 @@
 // scale factor, the caption band's geometry, the scroll ranges and where the preview draws.
 // Every conversion from a real number to an integer drops the fraction.
 
-#include "platform/Screen.h"
+#include "platform/core/Numbers.h"
+#include "platform/display/Screen.h"
 
 #include <QPoint>
 #include <QRect>
@@ -12,10 +13,8 @@
 
 namespace editor {
 
-// The leading number of a text ("12.5px" is 12.5); 0 when there is none.
-double Val(const QString &text);
-// A real number to an integer, dropping the fraction (saturating at the int range).
-int toInt(double v);
+using fw::toInt;
+using fw::Val;
 
 struct WindowPlacement {
     int Height, Width, Left, Top, MaxHeight, MaxWidth;

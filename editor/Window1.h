@@ -9,8 +9,8 @@
 //   output/…             the toolbar and the output commands
 
 #include "editor/ScaledPicture.h"
-#include "platform/ControlLayout.h"
-#include "platform/Window.h"
+#include "platform/framework/ControlLayout.h"
+#include "platform/framework/Window.h"
 
 #include <QDir>
 #include <QImage>

@@ -5,8 +5,8 @@
 #include "editor/EditorMath.h"
 #include "editor/Window1.h"
 
-#include "platform/Canvas.h"
-#include "platform/Failure.h"
+#include "platform/framework/Canvas.h"
+#include "platform/core/Failure.h"
 
 #include <QLineEdit>
 #include <QMenu>

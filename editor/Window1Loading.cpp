@@ -5,8 +5,8 @@
 #include "editor/Window1.h"
 
 #include "app/App.h"
-#include "platform/Canvas.h"
-#include "platform/Screen.h"
+#include "platform/framework/Canvas.h"
+#include "platform/display/Screen.h"
 #include "prefs/Preferences.h"
 #include "prefs/prefwin.h"
 

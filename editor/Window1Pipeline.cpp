@@ -5,8 +5,8 @@
 #include "editor/EditorMath.h"
 #include "editor/Window1.h"
 
-#include "capture/CGImage.h"
-#include "platform/Failure.h"
+#include "platform/core/Picture.h"
+#include "platform/core/Failure.h"
 #include "prefs/prefwin.h"
 
 #include <QCheckBox>
@@ -54,7 +54,7 @@ editor::ScaledPicture Window1::getscaledimage()
         if (size == temp.size()) {
             result = temp; // one to one: the pixels as they are (shared until written)
         } else {
-            result = fw::nilCheck(capture::NewPicture(size.width(), size.height()));
+            result = fw::nilCheck(fw::NewPicture(size.width(), size.height()));
             QPainter p(&result);
             p.setCompositionMode(QPainter::CompositionMode_Source);
             p.drawImage(QRect(0, 0, result.width(), result.height()), temp, temp.rect());

@@ -4,9 +4,9 @@
 #include "editor/EditorMath.h"
 #include "editor/Window1.h"
 
-#include "platform/Canvas.h"
-#include "platform/Failure.h"
-#include "platform/Services.h"
+#include "platform/framework/Canvas.h"
+#include "platform/core/Failure.h"
+#include "platform/framework/Services.h"
 
 #include <QLineEdit>
 #include <QPainter>

@@ -3,7 +3,7 @@
 
 #include "editor/Window1.h"
 
-#include "platform/Services.h"
+#include "platform/framework/Services.h"
 #include "prefs/Preferences.h"
 #include "prefs/prefwin.h"
 

@@ -6,9 +6,9 @@
 
 #include "app/App.h"
 #include "output/OutputNaming.h"
-#include "platform/Failure.h"
-#include "platform/GraphicsExporter.h"
-#include "platform/Services.h"
+#include "platform/core/Failure.h"
+#include "output/export/GraphicsExporter.h"
+#include "platform/framework/Services.h"
 #include "prefs/Preferences.h"
 #include "prefs/prefwin.h"
 

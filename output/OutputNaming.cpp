@@ -1,6 +1,6 @@
 #include "output/OutputNaming.h"
 
-#include "platform/GraphicsExporter.h"
+#include "output/export/GraphicsExporter.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -3,10 +3,10 @@
 
 #include "editor/Window1.h"
 
-#include "capture/CGImage.h"
+#include "platform/core/Picture.h"
 #include "output/PrintMath.h"
-#include "platform/Failure.h"
-#include "platform/Services.h"
+#include "platform/core/Failure.h"
+#include "platform/framework/Services.h"
 #include "prefs/Preferences.h"
 
 #include <QPageLayout>
@@ -56,7 +56,7 @@ bool Window1::_FilePrint_Action()
     if (!printer) return true;
     const QImage &capture = fw::nilCheck(mypic);
     // The capture copied pixel for pixel into a picture of its own size.
-    QImage p = fw::nilCheck(capture::NewPicture(capture.width(), capture.height()));
+    QImage p = fw::nilCheck(fw::NewPicture(capture.width(), capture.height()));
     {
         QPainter copy(&p);
         copy.drawImage(0, 0, capture);

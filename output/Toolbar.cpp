@@ -1,11 +1,11 @@
 // The toolbar: Save, Save as, E-Mail, Copy, a flexible space, Recent, Preferences.
 
 #include "editor/Window1.h"
-#include "platform/Application.h"
+#include "platform/framework/Application.h"
 
 #include "app/App.h"
 #include "output/ToolbarPictures.h"
-#include "platform/Failure.h"
+#include "platform/core/Failure.h"
 #include "prefs/prefwin.h"
 #include "recent/recentwin.h"
 

@@ -1,8 +1,8 @@
 #include "output/ToolbarPictures.h"
 
 #include "app/App.h"
-#include "capture/CGImage.h"
-#include "platform/Services.h"
+#include "platform/core/Picture.h"
+#include "platform/framework/Services.h"
 
 #include <QHash>
 
@@ -39,5 +39,5 @@ QImage withMask(const QImage &picture, const QImage &mask)
 {
     if (picture.isNull()) return {};
     if (mask.isNull()) return picture;
-    return capture::CGCreateImage(picture, mask.scaled(picture.size()));
+    return fw::CGCreateImage(picture, mask.scaled(picture.size()));
 }

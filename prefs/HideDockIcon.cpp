@@ -1,9 +1,9 @@
 #include "prefs/HideDockIcon.h"
 
 #include "app/App.h"
-#include "platform/Failure.h"
-#include "platform/PlistStore.h"
-#include "platform/Services.h"
+#include "platform/core/Failure.h"
+#include "platform/store/PlistStore.h"
+#include "platform/framework/Services.h"
 
 #include <QCryptographicHash>
 #include <QDir>

@@ -1,8 +1,8 @@
 #include "prefs/LaunchMeAtLogin.h"
 
 #include "app/App.h"
-#include "platform/LoginItems.h"
-#include "platform/Services.h"
+#include "platform/desktop/LoginItems.h"
+#include "platform/framework/Services.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

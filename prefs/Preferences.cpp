@@ -1,6 +1,6 @@
 #include "prefs/Preferences.h"
 
-#include "platform/Failure.h"
+#include "platform/core/Failure.h"
 
 namespace {
 Preferences *g_module = nullptr;

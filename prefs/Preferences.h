@@ -2,7 +2,7 @@
 // The module over the preference store: the domain name, the store object, and the two string
 // functions. Values of other types are read and written by their handlers on MyPref directly.
 
-#include "platform/CFPreferences.h"
+#include "platform/store/CFPreferences.h"
 #include "prefs/PrefKeys.h"
 
 #include <functional>

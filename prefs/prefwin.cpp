@@ -3,14 +3,14 @@
 #include "app/App.h"
 #include "app/MenuBar1.h"
 #include "editor/Window1.h"
-#include "platform/Canvas.h"
-#include "platform/GraphicsExporter.h"
-#include "platform/Failure.h"
+#include "platform/framework/Canvas.h"
+#include "output/export/GraphicsExporter.h"
+#include "platform/core/Failure.h"
 #include "prefs/HideDockIcon.h"
 #include "prefs/LaunchMeAtLogin.h"
 #include "prefs/Preferences.h"
-#include "platform/Screen.h"
-#include "platform/Services.h"
+#include "platform/display/Screen.h"
+#include "platform/framework/Services.h"
 
 #include <QCheckBox>
 #include <QComboBox>

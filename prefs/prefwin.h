@@ -3,7 +3,7 @@
 // straight from its controls: quartz, emaildefault and PopupMenu1. Its instance therefore
 // exists, hidden, from the first use on.
 
-#include "platform/Window.h"
+#include "platform/framework/Window.h"
 
 class QCheckBox;
 class QComboBox;

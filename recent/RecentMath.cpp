@@ -1,10 +1,10 @@
 #include "recent/RecentMath.h"
 
-#include "editor/EditorMath.h"
+#include "platform/core/Numbers.h"
 
 namespace recent {
 
-using editor::toInt;
+using fw::toInt;
 
 Thumbnail thumbnailFor(QSize p, int index, int V)
 {

@@ -4,10 +4,10 @@
 
 #include "app/App.h"
 #include "app/MenuBar1.h"
-#include "capture/CGImage.h"
+#include "platform/core/Picture.h"
 #include "editor/Window1.h"
-#include "platform/Canvas.h"
-#include "platform/Failure.h"
+#include "platform/framework/Canvas.h"
+#include "platform/core/Failure.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -101,10 +101,10 @@ void recentwin::Canvas2_MouseUp(int, int y)
         return;
     }
     const QImage p = recentimages[row];
-    QImage mask = fw::nilCheck(capture::NewPicture(p.width(), p.height()));
+    QImage mask = fw::nilCheck(fw::NewPicture(p.width(), p.height()));
     mask.fill(QColor(0, 0, 0));
     Window1 &editor = Window1::instance();
-    editor.mypic = capture::CGCreateImage(capture::BitmapOf(p), mask);
+    editor.mypic = fw::CGCreateImage(fw::BitmapOf(p), mask);
     editor.loadimage(QString::number(editor.Slider1->value()));
 }
 

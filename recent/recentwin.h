@@ -2,7 +2,7 @@
 // The drawer of the last ten captures of this run, attached to the editor's right edge. A click
 // on a thumbnail takes that capture back into the editor.
 
-#include "platform/Window.h"
+#include "platform/framework/Window.h"
 
 #include <QImage>
 #include <QList>

@@ -3,7 +3,7 @@
 // PNG the portal wrote, which the caller owns and deletes.
 // Exit status: 0 a picture, 1 cancelled (by the user, or the portal's own failure), 3 no portal.
 
-#include "platform/PortalRequest.h"
+#include "platform/portal/PortalRequest.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>

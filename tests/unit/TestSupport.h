@@ -3,8 +3,8 @@
 // command, hot keys and dialogs, a recording message box, the real windows offscreen.
 
 #include "app/App.h"
-#include "platform/HotKeyService.h"
-#include "platform/Services.h"
+#include "platform/hotkeys/HotKeyService.h"
+#include "platform/framework/Services.h"
 #include "prefs/Preferences.h"
 
 #include <QClipboard>

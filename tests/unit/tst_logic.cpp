@@ -6,11 +6,11 @@
 #include "editor/EditorMath.h"
 #include "output/OutputNaming.h"
 #include "output/PrintMath.h"
-#include "platform/ControlLayout.h"
-#include "platform/DesktopEntry.h"
-#include "platform/PortalHotKeyService.h"
-#include "platform/PortalRequest.h"
-#include "platform/X11HotKeyService.h"
+#include "platform/framework/ControlLayout.h"
+#include "platform/desktop/DesktopEntry.h"
+#include "platform/hotkeys/PortalHotKeyService.h"
+#include "platform/portal/PortalRequest.h"
+#include "platform/hotkeys/X11HotKeyService.h"
 #include "recent/RecentMath.h"
 
 #include <QtTest>

@@ -5,7 +5,7 @@
 
 #include "editor/Window1.h"
 #include "output/OutputNaming.h"
-#include "platform/GraphicsExporter.h"
+#include "output/export/GraphicsExporter.h"
 #include "prefs/prefwin.h"
 
 #include <QComboBox>

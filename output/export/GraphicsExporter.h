@@ -1,0 +1,60 @@
+#pragma once
+// The one exporter: bound to a format by its four-character code, carrying opaque settings,
+// with a modal settings dialog per format, and writing a picture to a file. JPEG, PNG and BMP
+// go through Qt's writers where those are faster at the same settings; TIFF, PICT, Photoshop
+// and Targa (and what Qt can't write, such as interlaced PNG or 32-bit BMP) through ImageMagick.
+
+#include "output/export/ExporterSettings.h"
+
+#include <QByteArray>
+#include <QImage>
+#include <QString>
+#include <functional>
+
+namespace fw {
+
+class GraphicsExporter {
+public:
+    // The settings dialog for a format; true when the user confirmed it. Tests swap it.
+    using SettingsDialog = std::function<bool(ExportFormat, ExporterSettings &)>;
+    explicit GraphicsExporter(SettingsDialog dialog);
+
+    void OpenExporter(const QString &type);
+    ExportFormat format() const { return m_format; }
+
+    QByteArray Settings() const;
+    void setSettings(const QByteArray &settings);
+    bool RequestSettings();
+    // Without a leading point; empty when no format is open.
+    QString GetDefaultFileNameExtension() const;
+
+    QImage InputPicture;
+    QString OutputFile;
+    // When set, Export never replaces anything at OutputFile and answers NameTaken instead.
+    bool OutputFileMustBeNew = false;
+    // 0 when the file was written; a negative status otherwise (nothing is written then).
+    int Export();
+    static constexpr int NameTaken = -5;
+
+    // The encoded file for the current format and settings, empty when it can't be made.
+    QByteArray encode(const QImage &picture) const;
+    // Which writer takes the current format and settings.
+    enum class Writer { Qt, Magick, None };
+    Writer writerFor(const QImage &picture) const;
+
+private:
+    // The last encoding, kept so that a retry under another name doesn't encode again.
+    struct Encoded {
+        qint64 picture = 0;
+        QByteArray settings;
+        QByteArray bytes;
+    };
+    QByteArray encodeCached(const QImage &picture);
+
+    SettingsDialog m_dialog;
+    Encoded m_last;
+    ExportFormat m_format = ExportFormat::None;
+    ExporterSettings m_settings;
+};
+
+} // namespace fw

@@ -1,7 +1,0 @@
-#include "platform/SystemInformation.h"
-
-#include <QSysInfo>
-
-namespace fw {
-QString OSVersionString() { return QSysInfo::prettyProductName(); }
-} // namespace fw

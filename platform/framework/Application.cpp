@@ -1,0 +1,124 @@
+#include "platform/framework/Application.h"
+
+#include "platform/core/Failure.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QSocketNotifier>
+#include <csignal>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace fw {
+
+namespace {
+int g_signalFds[2] = {-1, -1};
+bool g_ending = false;
+
+void onSignal(int)
+{
+    const char c = 1;
+    [[maybe_unused]] auto n = ::write(g_signalFds[0], &c, 1);
+}
+} // namespace
+
+Application::Application(Services &services) : m_services(services), m_windows(services)
+{
+    g_ending = false; // one application object a process, but tests make several in turn
+    setUnhandledHandler([this](std::exception_ptr e) { Event_UnhandledException(e); });
+}
+
+Application::~Application()
+{
+    m_windows.destroyAll();
+    setUnhandledHandler(nullptr);
+}
+
+void Application::start()
+{
+    installSignalHandlers();
+    connect(qApp, &QGuiApplication::commitDataRequest, this, [this] { systemQuit(); });
+    guarded([this] { Event_Open(); });
+}
+
+void Application::installSignalHandlers()
+{
+    if (g_signalFds[0] >= 0 || ::socketpair(AF_UNIX, SOCK_STREAM, 0, g_signalFds) != 0) return;
+    m_signalNotifier = new QSocketNotifier(g_signalFds[1], QSocketNotifier::Read, this);
+    connect(m_signalNotifier, &QSocketNotifier::activated, this, [this] {
+        char c;
+        [[maybe_unused]] auto n = ::read(g_signalFds[1], &c, 1);
+        systemQuit();
+    });
+    struct sigaction sa = {};
+    sa.sa_handler = onSignal;
+    sigemptyset(&sa.sa_mask);
+    sa.sa_flags = SA_RESTART;
+    for (int sig : {SIGTERM, SIGINT, SIGHUP}) ::sigaction(sig, &sa, nullptr);
+}
+
+void Application::Quit(int code)
+{
+    if (!m_windows.closeAll()) return;
+    m_quitRequested = true;
+    emit quitCompleted(code);
+    QCoreApplication::exit(code);
+}
+
+void Application::systemQuit()
+{
+    if (g_ending) return;
+    g_ending = true;
+    m_quitRequested = true;
+    emit quitCompleted(0);
+    // The handlers below on the stack (a Save whose settings dialog is open, the splash) resume
+    // and return; the windows they use stay alive until then.
+    QCoreApplication::exit(0);
+}
+
+void Application::finish()
+{
+    if (g_ending) m_windows.forceCloseAll();
+}
+
+bool Application::ending() { return g_ending; }
+
+void Application::MsgBox(const QString &text)
+{
+    if (g_ending) return;
+    QMessageBox box(QMessageBox::NoIcon, QStringLiteral("Vantrel"), text, QMessageBox::Ok);
+    box.exec();
+}
+
+void Application::AddMenuHandler(const QString &name, std::function<bool()> handler)
+{
+    m_menuHandlers.insert(name, std::move(handler));
+}
+
+Window *Application::frontWindow() const
+{
+    for (Window *w : const_cast<WindowRegistry &>(m_windows).windows())
+        if (w->isVisible() && w->isActiveWindow()) return w;
+    return nullptr;
+}
+
+bool Application::dispatchMenuCommand(const QString &name)
+{
+    bool handled = false;
+    guarded([&] {
+        if (Window *w = frontWindow()) {
+            if (auto r = w->runMenuHandler(name)) {
+                handled = true;
+                if (*r) return;
+            }
+        }
+        auto it = m_menuHandlers.find(name);
+        if (it != m_menuHandlers.end()) {
+            handled = true;
+            (*it)();
+        }
+    });
+    return handled;
+}
+
+} // namespace fw

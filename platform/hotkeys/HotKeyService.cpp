@@ -1,0 +1,1 @@
+#include "platform/hotkeys/HotKeyService.h"

@@ -1,0 +1,156 @@
+#include "platform/hotkeys/PortalHotKeyService.h"
+
+#include "platform/portal/PortalRequest.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+
+namespace {
+
+const QString kObject = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString kInterface = QStringLiteral("org.freedesktop.portal.GlobalShortcuts");
+const QString kShortcutId = QStringLiteral("capture");
+
+// One entry of the portal's a(sa{sv}) shortcut lists.
+struct PortalShortcut {
+    QString id;
+    QVariantMap properties;
+};
+
+QDBusArgument &operator<<(QDBusArgument &a, const PortalShortcut &s)
+{
+    a.beginStructure();
+    a << s.id << s.properties;
+    a.endStructure();
+    return a;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &a, PortalShortcut &s)
+{
+    a.beginStructure();
+    a >> s.id >> s.properties;
+    a.endStructure();
+    return a;
+}
+
+// Desktops disagree on whether the session handle comes back as a string or an object path.
+QString pathText(const QVariant &v)
+{
+    return v.metaType() == QMetaType::fromType<QDBusObjectPath>()
+               ? v.value<QDBusObjectPath>().path()
+               : v.toString();
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(PortalShortcut)
+
+namespace fw {
+
+QString portalTrigger(int modifiers, const QString &plainKeysym, const QString &shiftedKeysym)
+{
+    const bool shiftUsedUp = (modifiers & kShiftKey) && !shiftedKeysym.isEmpty();
+    QStringList parts;
+    if ((modifiers & kShiftKey) && !shiftUsedUp) parts << QStringLiteral("SHIFT");
+    if (modifiers & (kCmdKey | kControlKey)) parts << QStringLiteral("CTRL");
+    if (modifiers & kOptionKey) parts << QStringLiteral("ALT");
+    parts << (shiftUsedUp ? shiftedKeysym : plainKeysym);
+    return parts.join(QLatin1Char('+'));
+}
+
+PortalHotKeyService::PortalHotKeyService(std::function<int(int)> keyCodeOf, KeysymNames keysymName,
+                                         QObject *parent)
+    : HotKeyService(parent), m_keyCodeOf(std::move(keyCodeOf)), m_keysymName(std::move(keysymName))
+{
+    qDBusRegisterMetaType<PortalShortcut>();
+    qDBusRegisterMetaType<QList<PortalShortcut>>();
+}
+
+int PortalHotKeyService::AsciiToKeyCode(int ascii)
+{
+    return m_keyCodeOf(ascii);
+}
+
+QString PortalHotKeyService::unboundHint() const
+{
+    if (m_bound) return {};
+    return QStringLiteral(
+        "To capture from the keyboard, bind the command \"Vantrel --capture\" to a key "
+        "in your desktop's keyboard settings.");
+}
+
+void PortalHotKeyService::AddKey(int keycode, int modifiers, quint32 signature, int id)
+{
+    // One combination is all the program claims, once.
+    if (keycode < 0 || m_asked) return;
+    m_asked = true;
+    m_trigger = portalTrigger(modifiers, m_keysymName(keycode, false), m_keysymName(keycode, true));
+    m_signature = signature;
+    m_id = id;
+    QDBusConnection::sessionBus().connect(QString(), kObject, kInterface,
+                                          QStringLiteral("Activated"), this,
+                                          SLOT(onActivated(QDBusMessage)));
+    // The shortcuts go with the session: some desktops read them only there.
+    PortalRequest::start(
+        kInterface, QStringLiteral("CreateSession"), {},
+        {{QStringLiteral("session_handle_token"), QString::fromLatin1(kSessionToken)},
+         {QStringLiteral("shortcuts"), shortcuts()}},
+        this, [this](uint r, const QVariantMap &results) { sessionCreated(r, results); });
+}
+
+QVariant PortalHotKeyService::shortcuts() const
+{
+    const QVariantMap properties{
+        {QStringLiteral("description"), QStringLiteral("Capture a region or a window")},
+        {QStringLiteral("preferred_trigger"), m_trigger}};
+    return QVariant::fromValue(QList<PortalShortcut>{{kShortcutId, properties}});
+}
+
+void PortalHotKeyService::sessionCreated(uint response, const QVariantMap &results)
+{
+    // The interface may be exported with no backend behind it: only a success counts.
+    if (response != kPortalDone) return;
+    m_session = pathText(results.value(QStringLiteral("session_handle")));
+    if (m_session.isEmpty()) return;
+    PortalRequest::start(
+        kInterface, QStringLiteral("ListShortcuts"),
+        {QVariant::fromValue(QDBusObjectPath(m_session))}, {}, this,
+        [this](uint r, const QVariantMap &results) { shortcutsListed(r, results); });
+}
+
+void PortalHotKeyService::shortcutsListed(uint response, const QVariantMap &results)
+{
+    if (response != kPortalDone) return;
+    QList<PortalShortcut> listed;
+    const QVariant v = results.value(QStringLiteral("shortcuts"));
+    if (v.canConvert<QDBusArgument>()) v.value<QDBusArgument>() >> listed;
+    for (const PortalShortcut &s : std::as_const(listed)) {
+        if (s.id == kShortcutId) return setBound(true);
+    }
+    // Not kept from the session's creation: bind it, once a start (a desktop may ask the user,
+    // and one that opens its settings for this must not do so over and over).
+    PortalRequest::start(kInterface, QStringLiteral("BindShortcuts"),
+                         {QVariant::fromValue(QDBusObjectPath(m_session)), shortcuts(), QString()},
+                         {}, this,
+                         [this](uint r, const QVariantMap &) { setBound(r == kPortalDone); });
+}
+
+void PortalHotKeyService::onActivated(const QDBusMessage &signal)
+{
+    // (o session_handle, s shortcut_id, t timestamp, a{sv} options)
+    const QList<QVariant> args = signal.arguments();
+    if (args.size() < 2 || pathText(args[0]) != m_session || args[1].toString() != kShortcutId)
+        return;
+    emit hotKeyPressed(m_signature, m_id);
+}
+
+void PortalHotKeyService::setBound(bool bound)
+{
+    if (bound == m_bound) return;
+    m_bound = bound;
+    emit unboundHintChanged();
+}
+
+} // namespace fw
