@@ -1,50 +1,60 @@
 #include "app/App.h"
 
-#include "app/FileTypes.h"
+#include "app/MenuBar1.h"
 #include "app/splash.h"
-#include "platform/core/Failure.h"
 #include "editor/Window1.h"
+#include "output/Toolbar.h"
+#include "platform/core/Failure.h"
 #include "prefs/HideDockIcon.h"
 #include "prefs/Preferences.h"
 #include "prefs/prefwin.h"
+#include "recent/recentwin.h"
 
 #include <QApplication>
+#include <QSlider>
 
-namespace {
-App *g_app = nullptr;
-}
-
-App::App(fw::Services &services) : fw::Application(services) { g_app = this; }
-
-App::~App()
+App::App(fw::Services &services, Preferences &prefs, Session &session)
+    : fw::Application(services), m_commands(services, session, prefs, m_editorSource)
 {
-    windows().destroyAll();
-    if (g_app == this) g_app = nullptr;
+    setMenuItems(MenuBar1::items());
+    joinWindows();
 }
 
-App &App::instance() { return *fw::nilCheck(g_app); }
-bool App::exists() { return g_app != nullptr; }
+App::~App() { windows().destroyAll(); }
+
+App &App::instance() { return static_cast<App &>(fw::Application::instance()); }
+
+void App::joinWindows()
+{
+    windows().onMade<Window1>([this](Window1 &w) {
+        w.setToolBar(new output::Toolbar(m_commands));
+        fw::connectGuarded(&w, &Window1::printRequested, this, [this] { m_commands._FilePrint_Action(); });
+        fw::connectGuarded(&w, &Window1::pageSetupRequested, this, [this] { m_commands._FilePageSetup_Action(); });
+    });
+    // The drawer belongs to the editor: it follows it, and a thumbnail goes back into it at the
+    // slider's scale.
+    windows().onMade<recentwin>([](recentwin &drawer) {
+        Window1 &editor = Window1::instance();
+        drawer.attachTo(&editor);
+        fw::connectGuarded(&drawer, &recentwin::captureChosen, &editor, [&editor](const QImage &capture) {
+            editor.takeCapture(capture, QString::number(editor.Slider1->value()));
+        });
+    });
+}
 
 void App::_Startup()
 {
-    _InitFileTypes();
-    _NewAppInstance();
     _ApplicationAddMenuHandlers();
     fw::guarded([this] { showTrayIconUnlessHidden(); });
-    // Event_Open comes ahead of the default window, so the default view finds Window1 made.
+    // Event_Open comes ahead of the default window, so the editor is made there.
     start();
-    fw::guarded([this] { _MakeDefaultView(); });
 }
 
 void App::showTrayIconUnlessHidden()
 {
     if (isDockIconHiddenAtLaunch()) return;
-    m_tray = std::make_unique<fw::TrayIcon>(*this, services().bundle.resources() + "/Vantrel.svg");
-}
-
-void App::_NewAppInstance()
-{
-    // The menu bar lives in Window1 and the tray menu; nothing to make here.
+    m_tray = std::make_unique<fw::TrayIcon>(services().bundle.resources() + "/Vantrel.svg");
+    connect(m_tray.get(), &fw::TrayIcon::commandChosen, this, [this](const QString &name) { dispatchMenuCommand(name); });
 }
 
 void App::_ApplicationAddMenuHandlers()
@@ -52,8 +62,6 @@ void App::_ApplicationAddMenuHandlers()
     AddMenuHandler("FileQuit", [this] { return _FileQuit_Action(); });
     AddMenuHandler("FilePreferences", [this] { return _FilePreferences_Action(); });
 }
-
-void App::_MakeDefaultView() { (void)Window1::instance(); }
 
 void App::Event_Open()
 {

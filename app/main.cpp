@@ -3,11 +3,12 @@
 
 #include "app/App.h"
 #include "app/CommandLine.h"
+#include "app/MachineServices.h"
 #include "capture/keytrigger.h"
-#include "platform/hotkeys/HotKeyService.h"
-#include "platform/framework/Services.h"
 #include "platform/desktop/SingleInstance.h"
+#include "platform/hotkeys/HotKeyService.h"
 #include "prefs/Preferences.h"
+#include "prefs/Session.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -41,13 +42,14 @@ int main(int argc, char **argv)
         return fw::SingleInstance::send(command.method()) ? 0 : 1;
     if (command.kind == CommandLine::Kind::Quit) return 0; // nothing runs that could quit
 
-    auto services = fw::Services::forThisMachine();
+    auto services = servicesForThisMachine();
     // Taskbars group the windows under the launcher's name and icon.
     QGuiApplication::setDesktopFileName(QStringLiteral("com.Morlane.Vantrel"));
     QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("com.Morlane.Vantrel"),
                                                  QIcon(services->bundle.resources() + "/Vantrel.svg")));
     Preferences preferences(services->preferenceDomains);
-    App app(*services);
+    Session session;
+    App app(*services, preferences, session);
     preferences.msgBox = [&app](const QString &text) { app.MsgBox(text); };
     app.showSplash = [&app] { app.showTheSplash(); };
     // The same roads as the hot key, the Preferences item and Quit.

@@ -7,6 +7,7 @@
 #include "platform/framework/Canvas.h"
 #include "platform/framework/Services.h"
 #include "prefs/Preferences.h"
+#include "prefs/Session.h"
 #include "output/export/GraphicsExporter.h"
 #include "output/export/MagickWriter.h"
 #include "prefs/prefwin.h"
@@ -107,7 +108,8 @@ int main(int argc, char **argv)
     services.hotKeys = std::move(keys);
     services.osVersionString = [] { return QStringLiteral("Mac OS X 10.5.8"); };
     Preferences prefs(services.preferenceDomains);
-    App app(services);
+    Session session;
+    App app(services, prefs, session);
     app._Startup();
 
     const QImage capture = screenLike(3840, 2160);

@@ -1,14 +1,14 @@
 #include "capture/keytrigger.h"
 
-#include "platform/core/Picture.h"
 #include "capture/CaptureCommand.h"
-#include "editor/Window1.h"
-#include "platform/framework/Application.h"
-#include "platform/system/Clipboard.h"
 #include "platform/core/Failure.h"
-#include "platform/hotkeys/HotKeyService.h"
+#include "platform/core/Logging.h"
+#include "platform/core/Picture.h"
+#include "platform/framework/Application.h"
 #include "platform/framework/Services.h"
-#include "recent/recentwin.h"
+#include "platform/hotkeys/HotKeyService.h"
+#include "platform/system/Clipboard.h"
+#include "platform/system/Shell.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -17,8 +17,8 @@
 
 quint32 captureSignature() { return fw::OSTypeFromString("sccp"); }
 
-keytrigger::keytrigger(fw::HotKeyService &events, QObject *parent)
-    : QObject(parent), m_events(events)
+keytrigger::keytrigger(fw::HotKeyService &events, fw::Services &services, QObject *parent)
+    : QObject(parent), m_events(events), m_services(services)
 {
 }
 
@@ -34,37 +34,44 @@ void keytrigger::Listen()
 void keytrigger::Event_HotKeyPressed(quint32 hotkeysignature, int)
 {
     if (hotkeysignature != captureSignature()) return;
+    qCDebug(lcCapture) << "hot key pressed";
     // The blocking command keeps a capture from starting inside another; so must the clipboard
     // read, which serves other events while it waits. A capture made behind a modal dialog (a
     // Save's settings, say) would change what that dialog is about.
     if (m_capturing || fw::Application::ending()) return;
-    if (QWidget *modal = QApplication::activeModalWidget(); modal && !modal->inherits("splash")) return;
+    if (QWidget *modal = QApplication::activeModalWidget(); modal && !modal->inherits("splash")) {
+        qCDebug(lcCapture) << "no capture while a dialog holds the program:" << modal->windowTitle();
+        return;
+    }
     m_capturing = true;
     const auto done = qScopeGuard([this] {
         m_capturing = false;
         // Presses made while this one was served were for it: none is served afterwards.
         m_events.pressesHandledUntilNow();
     });
-    Window1 &w = Window1::instance();
-    fw::Services &services = w.services();
-
-    fw::Shell shell(*services.commands);
+    fw::Shell shell(*m_services.commands);
     shell.Mode = 0;
     const quint32 ownerBefore = fw::Clipboard::owner();
     // The main thread stands still until the user has finished the selection.
-    shell.Execute(capture::captureCommandFor(services.osVersionString()));
+    const QString command = capture::captureCommandFor(m_services.osVersionString());
+    qCDebug(lcCapture) << "running" << command;
+    shell.Execute(command);
 
     fw::Clipboard clipboard(ownerBefore);
-    if (!clipboard.PictureAvailable()) return;
+    if (!clipboard.PictureAvailable()) {
+        qCDebug(lcCapture) << "no picture on the clipboard";
+        return;
+    }
     const QImage p = clipboard.Picture();
+    if (p.isNull()) qCWarning(lcCapture) << "the clipboard's picture does not decode";
     // A picture that can't be decoded fails here, before it could reach the drawer.
     fw::nilCheck(p);
-    recentwin::instance().addimage(p);
+    qCDebug(lcCapture) << "picture taken:" << p.size();
+    emit pictureTaken(p);
+    fw::rethrowPending(); // what a listener failed with ends this press too
 
     QImage mask = fw::nilCheck(fw::NewPicture(p.width(), p.height()));
     mask.fill(QColor(0, 0, 0));
-
-    w.mypic = fw::CGCreateImage(fw::BitmapOf(p), mask);
-    if (w.mypic.isNull()) return;
-    w.loadimage(QString());
+    emit captured(fw::CGCreateImage(fw::BitmapOf(p), mask));
+    fw::rethrowPending();
 }

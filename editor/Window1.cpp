@@ -1,18 +1,15 @@
 #include "editor/Window1.h"
 
-#include "app/App.h"
-#include "app/MenuBar1.h"
 #include "capture/keytrigger.h"
-#include "output/export/GraphicsExporter.h"
-#include "platform/framework/Canvas.h"
 #include "platform/core/Failure.h"
-#include "platform/hotkeys/HotKeyService.h"
+#include "platform/framework/Application.h"
+#include "platform/framework/Canvas.h"
 #include "platform/framework/Services.h"
-#include "platform/framework/WindowRegistry.h"
+#include "platform/hotkeys/HotKeyService.h"
 #include "prefs/Preferences.h"
+#include "prefs/Session.h"
 #include "recent/recentwin.h"
 
-#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -39,16 +36,37 @@ Window1::Window1(fw::Services &services, fw::WindowRegistry &registry)
     layoutFor(size());
     connectControls();
     AddMenuHandlers();
+    // Smooth scaling toggled in the preferences: the picture is made anew, hidden or not.
+    fw::connectGuarded(&Preferences::module(), &Preferences::quartzChanged, this, [this] {
+        ScaledImage = getscaledimage();
+        Canvas1->Refresh(true);
+    });
 }
 
 Window1::~Window1() = default;
 
-Window1 &Window1::instance() { return App::instance().windows().get<Window1>(); }
+Window1 &Window1::instance() { return fw::Application::instance().windows().get<Window1>(); }
+
+void Window1::setToolBar(QToolBar *bar)
+{
+    const QSize content(Width(), Height());
+    toolBar = bar;
+    bar->setParent(this);
+    bar->show();
+    resize(content.width(), content.height() + barsHeight());
+    layoutFor(size());
+}
+
+void Window1::takeCapture(const QImage &capture, const QString &scale)
+{
+    mypic = capture;
+    if (mypic.isNull()) return; // the editor keeps what it shows
+    loadimage(scale);
+}
 
 void Window1::buildControls()
 {
-    menuBar = MenuBar1::buildBar(App::instance(), this);
-    buildToolbar();
+    menuBar = fw::Application::instance().buildMenuBar(this);
     m_content = new fw::Canvas(this);
     m_content->setObjectName(QStringLiteral("content"));
     m_content->onMouseDown = [this](int x, int y) { return Event_MouseDown(x, y); };
@@ -130,11 +148,11 @@ void Window1::buildControls()
 
 void Window1::connectControls()
 {
-    connect(Slider1, &QSlider::valueChanged, this, [this] { fw::guarded([this] { Slider1_ValueChanged(); }); });
-    connect(scaleField, &QLineEdit::textChanged, this, [this] { fw::guarded([this] { scaleField_TextChange(); }); });
-    connect(captionText, &QLineEdit::textChanged, this, [this] { fw::guarded([this] { captionText_TextChange(); }); });
-    connect(ScrollBarH, &QScrollBar::valueChanged, this, [this] { fw::guarded([this] { ScrollBarH_ValueChanged(); }); });
-    connect(ScrollBarV, &QScrollBar::valueChanged, this, [this] { fw::guarded([this] { ScrollBarV_ValueChanged(); }); });
+    fw::connectGuarded(Slider1, &QSlider::valueChanged, this, [this] { Slider1_ValueChanged(); });
+    fw::connectGuarded(scaleField, &QLineEdit::textChanged, this, [this] { scaleField_TextChange(); });
+    fw::connectGuarded(captionText, &QLineEdit::textChanged, this, [this] { captionText_TextChange(); });
+    fw::connectGuarded(ScrollBarH, &QScrollBar::valueChanged, this, [this] { ScrollBarH_ValueChanged(); });
+    fw::connectGuarded(ScrollBarV, &QScrollBar::valueChanged, this, [this] { ScrollBarV_ValueChanged(); });
     Canvas1->onPaint = [this](QPainter &g, int w, int h) { Canvas1_Paint(g, w, h); };
     Canvas1->onMouseDown = [this](int x, int y) { return Canvas1_MouseDown(x, y); };
     Canvas1->onMouseDrag = [this](int x, int y) { Canvas1_MouseDrag(x, y); };
@@ -142,16 +160,7 @@ void Window1::connectControls()
     Canvas1->onMouseMove = [this](int x, int y) { Canvas1_MouseMove(x, y); };
 }
 
-void Window1::openControls()
-{
-    SaveTB_Open();
-    SaveasTB_Open();
-    MailTB_Open();
-    ToolbarItem1_Open();
-    ToolbarItem3_Open();
-    ToolbarItem2_Open();
-    BevelButton1_Open();
-}
+void Window1::openControls() { BevelButton1_Open(); }
 
 int Window1::barsHeight() const
 {
@@ -171,36 +180,24 @@ void Window1::layoutFor(const QSize &size)
 
 void Window1::Event_Open()
 {
-    App::instance().process = QStringLiteral("OpenEditor");
-    exporter = std::make_unique<fw::GraphicsExporter>(services().settingsDialog);
-    Preferences &prefs = Preferences::module();
-    if (!prefs.MyPref) prefs.MyPref = prefs.newStore();
+    fw::Application::instance().process = QStringLiteral("OpenEditor");
+    Session::instance().restore(Preferences::module(), services().desktopFolder());
 
-    fw::StoreObject o = prefs.MyPref->CopyAppValue(PrefKeys::Settings.str(), prefs.appname);
-    if (o && o->isA(fw::StoreValue::Kind::Data)) settings = o->toData();
-
-    // DefaultFolder: a URL of an existing folder; no value at all means the Desktop; a value
-    // that names no folder leaves it nil (the commands that use it deal with that).
-    o = prefs.MyPref->CopyAppValue(PrefKeys::DefaultFolder.str(), prefs.appname);
-    std::optional<QString> file;
-    if (o) {
-        const QUrl url = o->toUrl(); // checked: another type fails here
-        if (url.isLocalFile()) file = url.toLocalFile();
-    }
-    if (file && QFileInfo(*file).isDir()) DefaultFolder = QDir(*file);
-    if (!file) DefaultFolder = QDir(services().desktopFolder());
-
-    // The hot key: Shift+Command (Control here) and the key that types "2".
-    mytrigger = std::make_unique<keytrigger>(*services().hotKeys);
+    // The hot key: Shift+Command (Control here) and the key that types "2". What a press takes
+    // goes to the drawer first, then into this window.
+    mytrigger = std::make_unique<keytrigger>(*services().hotKeys, services());
+    fw::connectGuarded(mytrigger.get(), &keytrigger::pictureTaken, this,
+                       [this](const QImage &p) { recentwin::instance().addimage(p); });
+    fw::connectGuarded(mytrigger.get(), &keytrigger::captured, this,
+                       [this](const QImage &capture) { takeCapture(capture, QString()); });
     fw::HotKeyService &keys = *services().hotKeys;
     keys.AddKey(keys.AsciiToKeyCode('2'), fw::kCmdKey | fw::kShiftKey, captureSignature(), 1);
-    hotkey = true;
     mytrigger->Listen();
 }
 
 bool Window1::Event_CancelClose(bool)
 {
-    if (!App::instance().quitting) {
+    if (!fw::Application::instance().quitting) {
         Hide();
         return true;
     }
@@ -237,7 +234,21 @@ void Window1::AddMenuHandlers()
 
 bool Window1::_FileQuit_Action()
 {
-    App::instance().quitting = true;
+    fw::Application::instance().quitting = true;
+    return false;
+}
+
+bool Window1::_FilePrint_Action()
+{
+    emit printRequested();
+    fw::rethrowPending();
+    return true;
+}
+
+bool Window1::_FilePageSetup_Action()
+{
+    emit pageSetupRequested();
+    fw::rethrowPending();
     return false;
 }
 
@@ -247,5 +258,3 @@ bool Window1::_FileClose_Action()
     Hide();
     return false;
 }
-
-

@@ -1,23 +1,20 @@
 #pragma once
-// The editor: the capture, the one derived picture, the preview, the scale and caption controls,
-// and (in later files) the output commands. The class is split by concern over several files:
+// The editor: the capture, the one derived picture, the preview, the scale and caption controls.
+// What leaves the editor (the toolbar's commands, Print) is the outputs' business: the window
+// carries the toolbar it is given and announces Print and Page Setup. Split by concern:
 //   Window1.cpp          creation, control table, window events, close, menu handlers
 //   Window1Loading.cpp   loadimage
 //   Window1Pipeline.cpp  getscaledimage, getoutputimage (editor/ScaledPicture: the picture)
 //   Window1Preview.cpp   the canvas, scrolling and panning
 //   Window1Controls.cpp  slider, scale field, presets, caption
-//   output/…             the toolbar and the output commands
 
 #include "editor/ScaledPicture.h"
 #include "platform/framework/ControlLayout.h"
 #include "platform/framework/Window.h"
 
-#include <QDir>
 #include <QImage>
 #include <memory>
-#include <optional>
 
-class QAction;
 class QLabel;
 class QLineEdit;
 class QMenuBar;
@@ -26,9 +23,9 @@ class QSlider;
 class QToolBar;
 class QToolButton;
 class keytrigger;
+class recentwin;
 namespace fw {
 class Canvas;
-class GraphicsExporter;
 }
 
 class Window1 : public fw::Window {
@@ -40,40 +37,34 @@ public:
     // The one instance, created on first use.
     static Window1 &instance();
 
-    // State, in the order the editor declares it.
+    // State, in the order the editor declares it. The exporter's settings and the default
+    // folder are the session's (prefs/Session), shared with the outputs and the preferences.
     bool holdupdate = false;
     int xdown = 0;
     int ydown = 0;
     editor::ScaledPicture ScaledImage; // null is nil
-    bool holdlaunchsetting = false;
-    QImage mypic;                // the capture, opaque; null is nil
-    QByteArray settings;         // the exporter's settings, opaque
-    std::unique_ptr<fw::GraphicsExporter> exporter;
+    QImage mypic;                      // the capture, opaque; null is nil
     int currentscale = 0;
     std::unique_ptr<keytrigger> mytrigger;
-    bool hotkey = false;         // whether the key was claimed (its hold lives in the platform)
-    std::optional<QDir> DefaultFolder; // nothing is nil
 
     // Controls.
-    fw::Canvas *Canvas1 = nullptr;
-    QSlider *Slider1 = nullptr;
-    QLineEdit *scaleField = nullptr;
-    QLabel *StaticText1 = nullptr;
-    QScrollBar *ScrollBarH = nullptr;
-    QScrollBar *ScrollBarV = nullptr;
-    QLabel *StaticText2 = nullptr;
-    QToolButton *BevelButton1 = nullptr;
-    QLineEdit *captionText = nullptr;
-    QLabel *StaticText3 = nullptr;
-    QMenuBar *menuBar = nullptr;
-    QToolBar *toolBar = nullptr;
-    QAction *SaveTB = nullptr;
-    QAction *SaveasTB = nullptr;
-    QAction *MailTB = nullptr;
-    QAction *ToolbarItem1 = nullptr;
-    QWidget *StandardToolbarItem1 = nullptr;
-    QAction *ToolbarItem3 = nullptr;
-    QAction *ToolbarItem2 = nullptr;
+    fw::Canvas *Canvas1 = nullptr;       // the preview, one to one
+    QSlider *Slider1 = nullptr;          // the scale, 10 to 200
+    QLineEdit *scaleField = nullptr;     // the scale as typed: the hub the picture follows
+    QLabel *StaticText1 = nullptr;       // "%"
+    QScrollBar *ScrollBarH = nullptr;    // pans across
+    QScrollBar *ScrollBarV = nullptr;    // pans down
+    QLabel *StaticText2 = nullptr;       // "Scale:"
+    QToolButton *BevelButton1 = nullptr; // the preset scales' menu
+    QLineEdit *captionText = nullptr;    // the caption burned into the picture
+    QLabel *StaticText3 = nullptr;       // "Caption:"
+    QMenuBar *menuBar = nullptr;         // the application's menu bar
+    QToolBar *toolBar = nullptr;         // the outputs' toolbar, once given
+
+    // Takes the toolbar into the window, above the content, keeping the content's size.
+    void setToolBar(QToolBar *bar);
+    // A capture taken or chosen in the drawer, loaded at the given scale ("" for the stored one).
+    void takeCapture(const QImage &capture, const QString &scale);
 
     // Methods.
     void loadimage(const QString &scale);
@@ -86,12 +77,12 @@ public:
     void openControls() override;
     void Event_Open() override;
     bool Event_CancelClose(bool appQuitting) override;
+    // Also the live resize's event: the same work runs at every step.
     void Event_Resized() override;
-    void Event_Resizing() { Event_Resized(); }
     bool Event_MouseDown(int x, int y);
     void Event_MouseDrag(int x, int y);
 
-    // Menu handlers.
+    // Menu handlers. Print and Page Setup are carried out by whoever listens to the requests.
     void AddMenuHandlers();
     bool _FileQuit_Action();
     bool _FileClose_Action();
@@ -112,20 +103,6 @@ public:
     void BevelButton1_Action(int menuValue);
     void captionText_TextChange();
 
-    // Toolbar items and the output commands.
-    void SaveTB_Open();
-    void SaveTB_Action();
-    void SaveasTB_Open();
-    void SaveasTB_Action();
-    void MailTB_Open();
-    void MailTB_Action();
-    void ToolbarItem1_Open();
-    void ToolbarItem1_Action();
-    void ToolbarItem3_Open();
-    void ToolbarItem3_Action();
-    void ToolbarItem2_Open();
-    void ToolbarItem2_Action();
-
     // Writes that run the controls' handlers nested, as the framework's property writes do.
     void setSliderValue(int v);
     void setScaleFieldText(const QString &text);
@@ -140,14 +117,15 @@ public:
     // The window's design size.
     static constexpr QSize designSize{400, 440};
 
+signals:
+    void printRequested();
+    void pageSetupRequested();
+
 protected:
     int barsHeight() const override;
     void layoutFor(const QSize &size) override;
 
 private:
-    void buildToolbar();
-    // Before an export: settings asked for on first use, else given to the exporter.
-    void settingsStep(bool storeRequested);
     void buildControls();
     void connectControls();
     void setCanvasCursor(const QCursor *cursor);

@@ -4,7 +4,8 @@
 #include "editor/EditorMath.h"
 #include "editor/Window1.h"
 
-#include "app/App.h"
+#include "platform/core/Logging.h"
+#include "platform/framework/Application.h"
 #include "platform/framework/Canvas.h"
 #include "platform/display/Screen.h"
 #include "prefs/Preferences.h"
@@ -55,7 +56,8 @@ void Window1::loadimage(const QString &scale)
     }
 
     Canvas1->Refresh(true);
+    qCDebug(lcEditor) << "showing a capture of" << mypic.size() << "at" << scaleField->text() << "%";
     Show();
-    App::instance().gotofront();
+    fw::Application::instance().gotofront();
     setscroll();
 }

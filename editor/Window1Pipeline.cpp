@@ -7,9 +7,9 @@
 
 #include "platform/core/Picture.h"
 #include "platform/core/Failure.h"
+#include "prefs/Preferences.h"
 #include "prefs/prefwin.h"
 
-#include <QCheckBox>
 #include <QLineEdit>
 #include <QPainter>
 #include <cmath>
@@ -18,7 +18,7 @@ editor::ScaledPicture Window1::getscaledimage()
 {
     const double factor = editor::scaleFactor(currentscale);
     if (mypic.isNull()) return {};
-    const bool smooth = prefwin::instance().quartz->isChecked();
+    const bool smooth = prefwin::live().quartz();
     const bool banded = !captionText->isHidden() && !captionText->text().isEmpty();
 
     if (factor > 1.0) {

@@ -1,23 +1,29 @@
 // Copy: the scaled picture with its caption onto the clipboard. It stays there while Vantrel
 // runs; at quit Qt hands it to a clipboard manager where one runs.
 
-#include "editor/Window1.h"
+#include "output/Commands.h"
 
+#include "output/Source.h"
+#include "platform/core/Logging.h"
 #include "platform/framework/Services.h"
 #include "prefs/Preferences.h"
+#include "prefs/Session.h"
 #include "prefs/prefwin.h"
 
 #include <QClipboard>
-#include <QComboBox>
 #include <QGuiApplication>
-#include <QLineEdit>
 
-void Window1::ToolbarItem1_Action()
+namespace output {
+
+void Commands::ToolbarItem1_Action()
 {
-    QGuiApplication::clipboard()->setImage(getoutputimage());
-    if (!services().shiftKeyDown()) Hide();
-    Preferences &prefs = Preferences::module();
-    prefs.prefaddstringvalue(PrefKeys::LastScale, scaleField->text());
-    prefs.prefaddstringvalue(PrefKeys::Settings, settings);
-    prefs.prefaddstringvalue(PrefKeys::LastFormat, prefwin::instance().PopupMenu1->currentText());
+    const QImage picture = m_source.outputImage();
+    QGuiApplication::clipboard()->setImage(picture);
+    qCDebug(lcOutput) << "Copy put a picture of" << picture.size() << "on the clipboard";
+    if (!m_services.shiftKeyDown()) m_source.hide();
+    m_prefs.prefaddstringvalue(PrefKeys::LastScale, m_source.scaleText());
+    m_prefs.prefaddstringvalue(PrefKeys::Settings, m_session.settings);
+    m_prefs.prefaddstringvalue(PrefKeys::LastFormat, prefwin::live().formatLabel());
 }
+
+} // namespace output

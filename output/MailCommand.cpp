@@ -1,36 +1,30 @@
 // E-Mail: the picture into a new file of the private temporary folder, then that file to the
 // mail program chosen in the preferences.
 
-#include "editor/Window1.h"
+#include "output/Commands.h"
 #include "output/MailScripts.h"
 
-#include "app/App.h"
 #include "output/OutputNaming.h"
+#include "output/Source.h"
 #include "platform/core/Failure.h"
-#include "output/export/GraphicsExporter.h"
+#include "platform/core/Logging.h"
+#include "platform/framework/Application.h"
 #include "platform/framework/Services.h"
 #include "prefs/Preferences.h"
+#include "prefs/Session.h"
 #include "prefs/prefwin.h"
 
-#include <QComboBox>
 #include <QDir>
-#include <QLineEdit>
 
 namespace {
 // Runs a stored script of the bundle with its arguments (an argv, never a shell line).
 void runStoredScript(int id, const QStringList &values)
 {
     if (fw::Application::ending()) return; // no mail program starts while the session ends
-    fw::Services &services = App::instance().services();
+    fw::Services &services = fw::Application::instance().services();
     const QString script = services.bundle.resources() + "/Scripts/" + QString::number(id);
-    services.commands->run(QStringList{script} + values);
-}
-
-QString temporaryFolder()
-{
-    const QString folder = App::instance().services().temporaryFolder();
-    if (folder.isEmpty()) throw fw::NilObjectException();
-    return folder;
+    const int status = services.commands->run(QStringList{script} + values);
+    if (status != 0) qCWarning(lcOutput) << "mail script" << script << "ended with" << status;
 }
 } // namespace
 
@@ -38,32 +32,37 @@ void AttachMail(const QStringList &values) { runStoredScript(168, values); }
 void AttachEntourage(const QStringList &values) { runStoredScript(169, values); }
 void AttachUdora(const QStringList &values) { runStoredScript(170, values); }
 
-void Window1::MailTB_Action()
+namespace output {
+
+void Commands::MailTB_Action()
 {
+    auto temporaryFolder = [this] {
+        const QString folder = m_services.temporaryFolder();
+        if (folder.isEmpty()) throw fw::NilObjectException();
+        return folder;
+    };
     // The name comes first, also when there turns out to be no exporter.
-    auto freeName = [] {
+    auto freeName = [&] {
         const QString name = output::mailFileName(
-            [](const QString &n) { return output::nameTaken(QDir(temporaryFolder()).filePath(n)); });
+            [&](const QString &n) { return output::nameTaken(QDir(temporaryFolder()).filePath(n)); });
         return QDir(temporaryFolder()).filePath(name);
     };
     QString file = freeName();
     if (!exporter) {
-        App::instance().MsgBox(QStringLiteral("Please select a format"));
+        fw::Application::instance().MsgBox(QStringLiteral("Please select a format"));
         return;
     }
     settingsStep(false);
-    exporter->InputPicture = getoutputimage();
+    exporter->InputPicture = m_source.outputImage();
     exporter->OutputFile = file;
     exporter->OutputFileMustBeNew = true;
-    [[maybe_unused]] const int status =
-        output::exportUnderFreeName(*exporter, [&] { exporter->OutputFile = file = freeName(); });
+    logExport("E-Mail", exportUnderFreeName(*exporter, [&] { exporter->OutputFile = file = freeName(); }));
 
-    Preferences &prefs = Preferences::module();
-    prefs.prefaddstringvalue(PrefKeys::LastScale, scaleField->text());
-    prefs.prefaddstringvalue(PrefKeys::Settings, settings);
-    prefs.prefaddstringvalue(PrefKeys::LastFormat, prefwin::instance().PopupMenu1->currentText());
+    m_prefs.prefaddstringvalue(PrefKeys::LastScale, m_source.scaleText());
+    m_prefs.prefaddstringvalue(PrefKeys::Settings, m_session.settings);
+    m_prefs.prefaddstringvalue(PrefKeys::LastFormat, prefwin::live().formatLabel());
 
-    switch (prefwin::instance().emaildefault->currentIndex()) {
+    switch (prefwin::live().mailer()) {
     case 0:
         AttachMail({output::unixPath(file)});
         break;
@@ -76,5 +75,7 @@ void Window1::MailTB_Action()
     default:
         break;
     }
-    if (!services().shiftKeyDown()) Hide();
+    if (!m_services.shiftKeyDown()) m_source.hide();
 }
+
+} // namespace output

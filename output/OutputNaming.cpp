@@ -1,16 +1,14 @@
 #include "output/OutputNaming.h"
 
 #include "output/export/GraphicsExporter.h"
+#include "platform/core/EventLoop.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QUrl>
 
 namespace output {
 
-// Lets timers and paints run during a long search, but no user input.
-static void yieldOnce() { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); }
 
 bool nameTaken(const QString &path)
 {
@@ -23,7 +21,7 @@ QString quickSaveName(const QString &extension, const Exists &exists)
     QString name = "Capture." + extension;
     for (int counter = 1; exists(name); ++counter) {
         name = "Capture" + QString::number(counter) + "." + extension;
-        yieldOnce();
+        fw::yieldOnce();
     }
     return name;
 }
@@ -34,16 +32,16 @@ QString mailFileName(const Exists &exists)
     // The first pass builds vtp1 again; 2 comes on the second pass.
     for (int counter = 1; exists(name); ++counter) {
         name = "vtp" + QString::number(counter);
-        yieldOnce();
+        fw::yieldOnce();
     }
     return name;
 }
 
-int exportUnderFreeName(fw::GraphicsExporter &exporter, const std::function<void()> &nextName)
+fw::ExportStatus exportUnderFreeName(fw::GraphicsExporter &exporter, const std::function<void()> &nextName)
 {
-    int status = exporter.Export();
+    fw::ExportStatus status = exporter.Export();
     // Bounded: a name that stays taken though no search sees it must not hang the program.
-    for (int tries = 0; status == fw::GraphicsExporter::NameTaken && tries < 100; ++tries) {
+    for (int tries = 0; status == fw::ExportStatus::NameTaken && tries < 100; ++tries) {
         nextName();
         status = exporter.Export();
     }

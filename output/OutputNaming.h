@@ -6,7 +6,8 @@
 
 namespace fw {
 class GraphicsExporter;
-}
+enum class ExportStatus;
+} // namespace fw
 
 namespace output {
 
@@ -24,7 +25,7 @@ QString saveAsSuggestion(const QString &extension);
 
 // Exports to the exporter's output file; while something took that name first, asks for the
 // next free name and tries again. Gives the last export status.
-int exportUnderFreeName(fw::GraphicsExporter &exporter, const std::function<void()> &nextName);
+fw::ExportStatus exportUnderFreeName(fw::GraphicsExporter &exporter, const std::function<void()> &nextName);
 
 // The two path forms the mail scripts receive.
 QString unixPath(const QString &path);     // a plain absolute path

@@ -1,11 +1,12 @@
 // Print: the raw capture on one page, at its own size in points when it fits, at the top left.
 // Page setup: the system's dialog, its result kept in the store (no menu item leads here).
 
-#include "editor/Window1.h"
+#include "output/Commands.h"
 
-#include "platform/core/Picture.h"
 #include "output/PrintMath.h"
+#include "output/Source.h"
 #include "platform/core/Failure.h"
+#include "platform/core/Picture.h"
 #include "platform/framework/Services.h"
 #include "prefs/Preferences.h"
 
@@ -48,13 +49,11 @@ void applySetupString(QPrinter &printer, const QString &text)
                                QPageLayout::Point);
 }
 
-} // namespace output
-
-bool Window1::_FilePrint_Action()
+bool Commands::_FilePrint_Action()
 {
-    std::unique_ptr<QPrinter> printer = services().printDialog(this);
+    std::unique_ptr<QPrinter> printer = m_services.printDialog(m_source.window());
     if (!printer) return true;
-    const QImage &capture = fw::nilCheck(mypic);
+    const QImage capture = fw::nilCheck(m_source.capture());
     // The capture copied pixel for pixel into a picture of its own size.
     QImage p = fw::nilCheck(fw::NewPicture(capture.width(), capture.height()));
     {
@@ -70,23 +69,25 @@ bool Window1::_FilePrint_Action()
     g.setWindow(0, 0, page.width(), page.height());
     g.setRenderHint(QPainter::LosslessImageRendering, true);
     g.setRenderHint(QPainter::SmoothPixmapTransform, true);
-    const QSize drawn = output::printedSize(p.size(), page);
+    const QSize drawn = printedSize(p.size(), page);
     g.drawImage(QRect(QPoint(0, 0), drawn), p, p.rect());
     return true;
 }
 
-bool Window1::_FilePageSetup_Action()
+bool Commands::_FilePageSetup_Action()
 {
-    Preferences &prefs = Preferences::module();
+    Preferences &prefs = m_prefs;
     fw::CFPreferences &store = *fw::nilCheck(prefs.MyPref.get());
     store.AppSynchronize(prefs.appname);
     const fw::StoreObject o = store.CopyAppValue(PrefKeys::PageSetup.str(), prefs.appname);
     // What comes back is the stored value's property-list form, not the string itself.
     const QString setup = o ? QString::fromUtf8(o->XML()) : QString();
     QPrinter printer;
-    output::applySetupString(printer, setup);
-    if (!services().pageSetupDialog(printer)) return false;
-    store.SetAppValue(PrefKeys::PageSetup.str(), fw::NewCFString(output::setupString(printer)), prefs.appname);
+    applySetupString(printer, setup);
+    if (!m_services.pageSetupDialog(printer)) return false;
+    store.SetAppValue(PrefKeys::PageSetup.str(), fw::NewCFString(setupString(printer)), prefs.appname);
     store.AppSynchronize(prefs.appname);
     return false;
 }
+
+} // namespace output

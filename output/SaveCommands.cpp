@@ -1,84 +1,57 @@
 // Save (a free name in the default folder, no dialog) and Save as (the user names the file).
 
-#include "editor/Window1.h"
+#include "output/Commands.h"
 
-#include "app/App.h"
 #include "output/OutputNaming.h"
-#include "platform/core/Failure.h"
-#include "output/export/GraphicsExporter.h"
+#include "output/Source.h"
+#include "platform/framework/Application.h"
 #include "platform/framework/Services.h"
-#include "prefs/Preferences.h"
-#include "prefs/prefwin.h"
+#include "prefs/Session.h"
 
-#include <QComboBox>
-#include <QLineEdit>
+namespace output {
 
-namespace {
-void writeOutputKeys(Window1 &w)
-{
-    Preferences &prefs = Preferences::module();
-    prefs.prefaddstringvalue(PrefKeys::LastScale, w.scaleField->text());
-    prefs.prefaddstringvalue(PrefKeys::LastFormat, prefwin::instance().PopupMenu1->currentText());
-}
-} // namespace
-
-void Window1::settingsStep(bool storeRequested)
-{
-    if (!settings.isEmpty()) {
-        exporter->setSettings(settings);
-        return;
-    }
-    // A cancelled dialog goes on like a confirmed one, with the settings as they stand.
-    (void)exporter->RequestSettings();
-    if (!storeRequested) return;
-    settings = exporter->Settings();
-    Preferences &prefs = Preferences::module();
-    // No synchronise of its own: the first string write after the export flushes it.
-    fw::nilCheck(prefs.MyPref.get())
-        ->SetAppValue(PrefKeys::Settings.str(), fw::NewCFBinaryData(settings), prefs.appname);
-}
-
-void Window1::SaveTB_Action()
+void Commands::SaveTB_Action()
 {
     if (!exporter) {
-        App::instance().MsgBox(QStringLiteral("Please select a format"));
+        fw::Application::instance().MsgBox(QStringLiteral("Please select a format"));
         return;
     }
     settingsStep(true);
-    if (!DefaultFolder) return;
-    const QDir folder = *DefaultFolder;
+    if (!m_session.DefaultFolder) return;
+    const QDir folder = *m_session.DefaultFolder;
     auto freeName = [&] {
-        return folder.filePath(output::quickSaveName(
-            exporter->GetDefaultFileNameExtension(),
-            [&](const QString &n) { return output::nameTaken(folder.filePath(n)); }));
+        return folder.filePath(output::quickSaveName(exporter->GetDefaultFileNameExtension(), [&](const QString &n) {
+            return output::nameTaken(folder.filePath(n));
+        }));
     };
     exporter->OutputFile = freeName();
-    exporter->InputPicture = getoutputimage();
+    exporter->InputPicture = m_source.outputImage();
     // A file that took the name meanwhile is never replaced: the picture goes under the next
     // free name.
     exporter->OutputFileMustBeNew = true;
-    [[maybe_unused]] const int status =
-        output::exportUnderFreeName(*exporter, [&] { exporter->OutputFile = freeName(); });
-    Hide();
-    writeOutputKeys(*this);
+    logExport("Save", exportUnderFreeName(*exporter, [&] { exporter->OutputFile = freeName(); }));
+    m_source.hide();
+    writeOutputKeys();
 }
 
-void Window1::SaveasTB_Action()
+void Commands::SaveasTB_Action()
 {
-    const bool keepOpen = services().shiftKeyDown();
+    const bool keepOpen = m_services.shiftKeyDown();
     if (!exporter) {
-        App::instance().MsgBox(QStringLiteral("Please select a format"));
+        fw::Application::instance().MsgBox(QStringLiteral("Please select a format"));
         return;
     }
     settingsStep(true);
-    const QString chosen = services().saveAsDialog(
-        this, DefaultFolder ? DefaultFolder->absolutePath() : QString(),
+    const QString chosen = m_services.saveAsDialog(
+        m_source.window(), m_session.DefaultFolder ? m_session.DefaultFolder->absolutePath() : QString(),
         output::saveAsSuggestion(exporter->GetDefaultFileNameExtension()));
     if (chosen.isEmpty()) return;
-    exporter->InputPicture = getoutputimage();
+    exporter->InputPicture = m_source.outputImage();
     exporter->OutputFile = chosen;
     exporter->OutputFileMustBeNew = false;
-    [[maybe_unused]] const int status = exporter->Export();
-    if (!keepOpen) Hide();
-    writeOutputKeys(*this);
+    logExport("Save as", exporter->Export());
+    if (!keepOpen) m_source.hide();
+    writeOutputKeys();
 }
+
+} // namespace output

@@ -1,11 +1,9 @@
-// The toolbar: Save, Save as, E-Mail, Copy, a flexible space, Recent, Preferences.
+#include "output/Toolbar.h"
 
-#include "editor/Window1.h"
-#include "platform/framework/Application.h"
-
-#include "app/App.h"
+#include "output/Commands.h"
 #include "output/ToolbarPictures.h"
 #include "platform/core/Failure.h"
+#include "platform/framework/Application.h"
 #include "prefs/prefwin.h"
 #include "recent/recentwin.h"
 
@@ -25,78 +23,89 @@ QIcon itemImage(const QImage &picture, const QImage &mask)
 }
 } // namespace
 
-void Window1::buildToolbar()
+namespace output {
+
+Toolbar::Toolbar(Commands &commands, QWidget *parent) : QToolBar(parent)
 {
-    toolBar = new QToolBar(this);
-    toolBar->setObjectName(QStringLiteral("toolbar"));
-    toolBar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
-    toolBar->setIconSize(QSize(32, 32));
-    toolBar->setMovable(false);
-    auto add = [this](QAction *&item, const char *name, const QString &layoutCaption, void (Window1::*handler)()) {
-        item = toolBar->addAction(layoutCaption);
-        item->setObjectName(QString::fromLatin1(name));
-        connect(item, &QAction::triggered, this, [this, handler] { fw::guarded([this, handler] { (this->*handler)(); }); });
-    };
-    add(SaveTB, "SaveTB", "Save", &Window1::SaveTB_Action);
-    add(SaveasTB, "SaveasTB", "Untitled", &Window1::SaveasTB_Action);
-    add(MailTB, "MailTB", "Untitled", &Window1::MailTB_Action);
-    add(ToolbarItem1, "ToolbarItem1", "Untitled", &Window1::ToolbarItem1_Action);
+    setObjectName(QStringLiteral("toolbar"));
+    setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    setIconSize(QSize(32, 32));
+    setMovable(false);
+    SaveTB = addItem("SaveTB", "Save", [&commands] { commands.SaveTB_Action(); });
+    SaveasTB = addItem("SaveasTB", "Untitled", [&commands] { commands.SaveasTB_Action(); });
+    MailTB = addItem("MailTB", "Untitled", [&commands] { commands.MailTB_Action(); });
+    ToolbarItem1 = addItem("ToolbarItem1", "Untitled", [&commands] { commands.ToolbarItem1_Action(); });
     // The standard item: a flexible space, with no action of its own.
-    StandardToolbarItem1 = new QWidget(toolBar);
+    StandardToolbarItem1 = new QWidget(this);
     StandardToolbarItem1->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    toolBar->addWidget(StandardToolbarItem1);
-    add(ToolbarItem3, "ToolbarItem3", "Recent", &Window1::ToolbarItem3_Action);
-    add(ToolbarItem2, "ToolbarItem2", "Untitled", &Window1::ToolbarItem2_Action);
+    addWidget(StandardToolbarItem1);
+    ToolbarItem3 = addItem("ToolbarItem3", "Recent", [this] { ToolbarItem3_Action(); });
+    ToolbarItem2 = addItem("ToolbarItem2", "Untitled", [this] { ToolbarItem2_Action(); });
+    SaveTB_Open();
+    SaveasTB_Open();
+    MailTB_Open();
+    ToolbarItem1_Open();
+    ToolbarItem3_Open();
+    ToolbarItem2_Open();
 }
 
-void Window1::SaveTB_Open()
+QAction *Toolbar::addItem(const char *name, const QString &layoutCaption, const std::function<void()> &action)
+{
+    QAction *item = addAction(layoutCaption);
+    item->setObjectName(QString::fromLatin1(name));
+    fw::connectGuarded(item, &QAction::triggered, this, action);
+    return item;
+}
+
+void Toolbar::SaveTB_Open()
 {
     SaveTB->setIcon(itemImage(HD(), HDMask()));
     SaveTB->setText(QStringLiteral("Save"));
 }
 
-void Window1::SaveasTB_Open()
+void Toolbar::SaveasTB_Open()
 {
     SaveasTB->setIcon(itemImage(HD(), HDMask()));
     SaveasTB->setText(QStringLiteral("Save as"));
 }
 
-void Window1::MailTB_Open()
+void Toolbar::MailTB_Open()
 {
     MailTB->setIcon(itemImage(mail(), mailmask()));
     MailTB->setText(QStringLiteral("E-Mail"));
 }
 
-void Window1::ToolbarItem1_Open()
+void Toolbar::ToolbarItem1_Open()
 {
     ToolbarItem1->setIcon(itemImage(copyimg(), copymask()));
     ToolbarItem1->setText(QStringLiteral("Copy"));
 }
 
-void Window1::ToolbarItem3_Open() { ToolbarItem3->setIcon(itemImage(drawericon(), drawermask())); }
+void Toolbar::ToolbarItem3_Open() { ToolbarItem3->setIcon(itemImage(drawericon(), drawermask())); }
 
-void Window1::ToolbarItem2_Open()
+void Toolbar::ToolbarItem2_Open()
 {
     ToolbarItem2->setText(QStringLiteral("Preferences"));
     ToolbarItem2->setIcon(itemImage(preficon(), prefmask()));
 }
 
-void Window1::ToolbarItem3_Action()
+void Toolbar::ToolbarItem3_Action()
 {
     recentwin &drawer = recentwin::instance();
     drawer.setVisible(!drawer.isVisible());
 }
 
-void Window1::ToolbarItem2_Action()
+void Toolbar::ToolbarItem2_Action()
 {
     // Modal on the editor, unlike the menu's Preferences: back here once that window is gone.
+    QWidget *editor = window();
     QPointer<prefwin> p = &prefwin::instance();
     // A dialog of the editor while it is modal on it: window managers keep a window that says
     // whom it belongs to (WM_TRANSIENT_FOR, which Qt sets for dialogs only) above its owner.
     p->setWindowFlag(Qt::Dialog, true);
     p->setWindowModality(Qt::WindowModal);
     p->winId();
-    if (p->windowHandle() && windowHandle()) p->windowHandle()->setTransientParent(windowHandle());
+    if (p->windowHandle() && editor->windowHandle()) p->windowHandle()->setTransientParent(editor->windowHandle());
     p->Show();
     p->raise();
     p->activateWindow();
@@ -108,3 +117,5 @@ void Window1::ToolbarItem2_Action()
         p->setWindowFlag(Qt::Dialog, false); // the menu's Preferences is a window of its own
     }
 }
+
+} // namespace output

@@ -1,7 +1,7 @@
 #include "output/ToolbarPictures.h"
 
-#include "app/App.h"
 #include "platform/core/Picture.h"
+#include "platform/framework/Application.h"
 #include "platform/framework/Services.h"
 
 #include <QHash>
@@ -12,7 +12,7 @@ QImage cached(const QString &file)
     static QHash<QString, QImage> cache;
     auto it = cache.find(file);
     if (it != cache.end() && !it->isNull()) return *it;
-    const QString resources = App::instance().services().bundle.resources();
+    const QString resources = fw::Application::instance().services().bundle.resources();
     QImage img(resources + "/" + file);
     if (!img.isNull()) cache.insert(file, img);
     return img;

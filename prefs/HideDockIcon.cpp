@@ -1,7 +1,8 @@
 #include "prefs/HideDockIcon.h"
 
-#include "app/App.h"
+#include "platform/framework/Application.h"
 #include "platform/core/Failure.h"
+#include "platform/core/Numbers.h"
 #include "platform/store/PlistStore.h"
 #include "platform/framework/Services.h"
 
@@ -145,9 +146,9 @@ bool hiddenAtLaunch(const QString &bundlePath)
         if (plist_get_node_type(value) == PLIST_STRING) {
             char *text = nullptr;
             plist_get_string_val(value, &text);
-            const QString t = QString::fromUtf8(text ? text : "").trimmed();
+            const QString t = QString::fromUtf8(text ? text : "");
             std::free(text);
-            return t == "1" || t.compare("yes", Qt::CaseInsensitive) == 0 || t.compare("true", Qt::CaseInsensitive) == 0;
+            return fw::isYes(t);
         }
     } catch (const fw::IllegalCastException &) {
     }
@@ -156,11 +157,11 @@ bool hiddenAtLaunch(const QString &bundlePath)
 
 } // namespace dockicon
 
-bool isDockIconHidden() { return dockicon::isHidden(App::instance().services().bundle.root()); }
+bool isDockIconHidden() { return dockicon::isHidden(fw::Application::instance().services().bundle.root()); }
 
-bool isDockIconHiddenAtLaunch() { return dockicon::hiddenAtLaunch(App::instance().services().bundle.root()); }
+bool isDockIconHiddenAtLaunch() { return dockicon::hiddenAtLaunch(fw::Application::instance().services().bundle.root()); }
 
 void setDockIconHidden(bool hidden)
 {
-    dockicon::setHidden(App::instance().services().bundle.root(), hidden);
+    dockicon::setHidden(fw::Application::instance().services().bundle.root(), hidden);
 }

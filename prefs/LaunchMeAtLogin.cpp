@@ -1,16 +1,14 @@
 #include "prefs/LaunchMeAtLogin.h"
 
-#include "app/App.h"
+#include "platform/core/EventLoop.h"
+#include "platform/framework/Application.h"
 #include "platform/desktop/LoginItems.h"
 #include "platform/framework/Services.h"
 
-#include <QCoreApplication>
 #include <QFileInfo>
 
 namespace loginitems {
 
-// Lets timers and paints run between entries; no user input, so no second walk starts inside.
-static void yieldOnce() { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); }
 
 static bool same(const QString &a, const QString &b) { return a.compare(b, Qt::CaseInsensitive) == 0; }
 
@@ -37,7 +35,7 @@ void setLaunchAtLogin(bool value, const QString &bundlePath, const QString &fold
                 found = true;
             }
         }
-        yieldOnce();
+        fw::yieldOnce();
     }
     if (value && !found) items.OldAddLoginItem(bundlePath, false, false);
 }
@@ -50,7 +48,7 @@ bool getLaunchAtLogin(const QString &bundlePath, const QString &folder)
     for (int i = 0; i <= last; ++i) {
         (void)items.OldLoginItemPropertyAtIndex(2, i, false);
         if (same(items.OldLoginItemPropertyAtIndex(1, i, false), bundlePath)) return true;
-        yieldOnce();
+        fw::yieldOnce();
     }
     return false;
 }
@@ -59,12 +57,12 @@ bool getLaunchAtLogin(const QString &bundlePath, const QString &folder)
 
 void SetLaunchAtLogin(bool value)
 {
-    loginitems::setLaunchAtLogin(value, App::instance().services().bundle.root(),
+    loginitems::setLaunchAtLogin(value, fw::Application::instance().services().bundle.root(),
                                  loginitems::autostartFolder());
 }
 
 bool GetLaunchAtLogin()
 {
-    return loginitems::getLaunchAtLogin(App::instance().services().bundle.root(),
+    return loginitems::getLaunchAtLogin(fw::Application::instance().services().bundle.root(),
                                         loginitems::autostartFolder());
 }

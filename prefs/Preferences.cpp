@@ -8,6 +8,21 @@ Preferences *g_module = nullptr;
 
 Preferences::Preferences(fw::PreferenceDomains &domains) : m_domains(domains) { g_module = this; }
 
+void Preferences::setQuartz(bool on)
+{
+    m_quartz = on;
+    emit quartzChanged(on);
+    fw::rethrowPending(); // a listener's failure is the setter's
+}
+
+void Preferences::setFormat(const QString &label, const QString &code)
+{
+    m_formatLabel = label;
+    m_formatCode = code;
+    emit formatChanged(code);
+    fw::rethrowPending();
+}
+
 Preferences::~Preferences()
 {
     if (g_module == this) g_module = nullptr;

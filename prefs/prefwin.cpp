@@ -1,16 +1,13 @@
 #include "prefs/prefwin.h"
 
-#include "app/App.h"
-#include "app/MenuBar1.h"
-#include "editor/Window1.h"
-#include "platform/framework/Canvas.h"
-#include "output/export/GraphicsExporter.h"
 #include "platform/core/Failure.h"
+#include "platform/display/Screen.h"
+#include "platform/framework/Application.h"
+#include "platform/hotkeys/HotKeyService.h"
 #include "prefs/HideDockIcon.h"
 #include "prefs/LaunchMeAtLogin.h"
 #include "prefs/Preferences.h"
-#include "platform/display/Screen.h"
-#include "platform/framework/Services.h"
+#include "prefs/Session.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -22,7 +19,7 @@ prefwin::prefwin(fw::Services &services, fw::WindowRegistry &registry)
     : fw::Window(services, registry)
 {
     setObjectName(QStringLiteral("prefwin"));
-    MenuBar1::addQuitShortcut(App::instance(), this);
+    fw::Application::instance().addQuitShortcut(this);
     setWindowTitle(QStringLiteral("Preferences"));
     setWindowRole(QStringLiteral("preferences"));
     resize(359, 219);
@@ -76,21 +73,26 @@ prefwin::prefwin(fw::Services &services, fw::WindowRegistry &registry)
     StaticText1->setBuddy(emaildefault);
     StaticText2->setBuddy(PopupMenu1);
 
-    auto on = [this](auto *sender, auto signal, void (prefwin::*handler)()) {
-        connect(sender, signal, this, [this, handler] { fw::guarded([this, handler] { (this->*handler)(); }); });
-    };
-    on(PushButton1, &QPushButton::clicked, &prefwin::PushButton1_Action);
-    on(CheckBox1, &QCheckBox::toggled, &prefwin::CheckBox1_Action);
-    on(quartz, &QCheckBox::toggled, &prefwin::quartz_Action);
-    on(PopupMenu1, &QComboBox::currentIndexChanged, &prefwin::PopupMenu1_Change);
-    on(CheckBox2, &QCheckBox::toggled, &prefwin::CheckBox2_Action);
-    on(PushButton3, &QPushButton::clicked, &prefwin::PushButton3_Action);
-    on(PushButton2, &QPushButton::clicked, &prefwin::PushButton2_Action);
+    fw::connectGuarded(PushButton1, &QPushButton::clicked, this, [this] { PushButton1_Action(); });
+    fw::connectGuarded(CheckBox1, &QCheckBox::toggled, this, [this] { CheckBox1_Action(); });
+    fw::connectGuarded(quartz, &QCheckBox::toggled, this, [this] { quartz_Action(); });
+    fw::connectGuarded(PopupMenu1, &QComboBox::currentIndexChanged, this, [this] { PopupMenu1_Change(); });
+    fw::connectGuarded(CheckBox2, &QCheckBox::toggled, this, [this] { CheckBox2_Action(); });
+    fw::connectGuarded(PushButton3, &QPushButton::clicked, this, [this] { PushButton3_Action(); });
+    fw::connectGuarded(PushButton2, &QPushButton::clicked, this, [this] { PushButton2_Action(); });
+    // The mail program has no handler of its own: its row is simply what the next E-Mail uses.
+    connect(emaildefault, &QComboBox::currentIndexChanged, this, [](int row) { Preferences::module().setMailer(row); });
 }
 
 prefwin::~prefwin() = default;
 
-prefwin &prefwin::instance() { return App::instance().windows().get<prefwin>(); }
+prefwin &prefwin::instance() { return fw::Application::instance().windows().get<prefwin>(); }
+
+Preferences &prefwin::live()
+{
+    (void)instance();
+    return Preferences::module();
+}
 
 void prefwin::showKeyHint()
 {
@@ -123,14 +125,14 @@ void prefwin::PushButton1_Action() { Hide(); }
 
 void prefwin::CheckBox1_Open()
 {
-    Window1::instance().holdlaunchsetting = true;
+    holdlaunchsetting = true;
     setChecked(CheckBox1, GetLaunchAtLogin());
-    Window1::instance().holdlaunchsetting = false;
+    holdlaunchsetting = false;
 }
 
 void prefwin::CheckBox1_Action()
 {
-    if (!Window1::instance().holdlaunchsetting) SetLaunchAtLogin(CheckBox1->isChecked());
+    if (!holdlaunchsetting) SetLaunchAtLogin(CheckBox1->isChecked());
 }
 
 void prefwin::quartz_Open()
@@ -140,12 +142,8 @@ void prefwin::quartz_Open()
         setChecked(quartz, true);
 }
 
-void prefwin::quartz_Action()
-{
-    Window1 &editor = Window1::instance();
-    editor.ScaledImage = editor.getscaledimage();
-    editor.Canvas1->Refresh(true);
-}
+// The editor rebuilds its picture on the change, hidden or not.
+void prefwin::quartz_Action() { Preferences::module().setQuartz(quartz->isChecked()); }
 
 void prefwin::quartz_Close()
 {
@@ -161,6 +159,7 @@ void prefwin::emaildefault_Open()
     const qint64 i = fw::nilCheck(prefs.MyPref.get())->CopyAppIntegerValue(PrefKeys::DefaultMailer.str(), prefs.appname);
     // A stored index outside the list leaves no row selected.
     emaildefault->setCurrentIndex(i >= 0 && i < emaildefault->count() ? int(i) : -1);
+    prefs.setMailer(emaildefault->currentIndex());
 }
 
 void prefwin::emaildefault_Close()
@@ -173,46 +172,36 @@ void prefwin::emaildefault_Close()
 
 void prefwin::PopupMenu1_Open()
 {
-    App::instance().process = QStringLiteral("LoadTypeMenu");
+    fw::Application::instance().process = QStringLiteral("LoadTypeMenu");
     const QString codes = QStringLiteral("JPEG,TIFF,PICT,8BPS,PNGf,BMPf,TPIC");
     for (int i = 0; i <= int(codes.split(',').size()) - 1; ++i)
         PopupMenu1->setItemData(i, codes.section(',', i, i));
 }
 
+// The exporter, which belongs to the outputs, opens the format's code.
 void prefwin::PopupMenu1_Change()
 {
-    fw::GraphicsExporter *exporter = fw::nilCheck(Window1::instance().exporter.get());
-    exporter->OpenExporter(PopupMenu1->itemData(PopupMenu1->currentIndex()).toString());
+    Preferences::module().setFormat(PopupMenu1->currentText(),
+                                    PopupMenu1->itemData(PopupMenu1->currentIndex()).toString());
 }
 
-void prefwin::PushButton2_Action()
-{
-    Window1 &editor = Window1::instance();
-    if (!editor.exporter) return;
-    editor.exporter->setSettings(editor.settings);
-    if (!editor.exporter->RequestSettings()) return;
-    editor.settings = editor.exporter->Settings();
-    Preferences &prefs = Preferences::module();
-    fw::CFPreferences &store = *fw::nilCheck(prefs.MyPref.get());
-    store.SetAppValue(PrefKeys::Settings.str(), fw::NewCFBinaryData(editor.settings), prefs.appname);
-    store.AppSynchronize(prefs.appname);
-}
+void prefwin::PushButton2_Action() { Session::instance().requestExporterSettings(); }
 
 void prefwin::savefolder_Open()
 {
-    const auto &folder = Window1::instance().DefaultFolder;
+    const auto &folder = Session::instance().DefaultFolder;
     if (!folder) throw fw::NilObjectException();
     savefolder->setText(folder->dirName());
 }
 
 void prefwin::PushButton3_Action()
 {
-    Window1 &editor = Window1::instance();
-    const QString start = editor.DefaultFolder ? editor.DefaultFolder->absolutePath() : QString();
+    Session &session = Session::instance();
+    const QString start = session.DefaultFolder ? session.DefaultFolder->absolutePath() : QString();
     const QString chosen = services().selectFolder(this, start);
     if (chosen.isEmpty()) return;
-    editor.DefaultFolder = QDir(chosen);
-    savefolder->setText(editor.DefaultFolder->dirName());
+    session.DefaultFolder = QDir(chosen);
+    savefolder->setText(session.DefaultFolder->dirName());
 }
 
 void prefwin::CheckBox2_Open() { setChecked(CheckBox2, isDockIconHidden()); }

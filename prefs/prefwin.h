@@ -1,7 +1,8 @@
 #pragma once
-// The preferences window, and the live home of three settings that the rest of the program reads
-// straight from its controls: quartz, emaildefault and PopupMenu1. Its instance therefore
-// exists, hidden, from the first use on.
+// The preferences window. Every control takes effect when it is used; OK only hides the window.
+// It is the home of three settings (smooth scaling, the mail program, the image format): its
+// controls set them in Preferences, where the editor and the outputs read them through live(),
+// which makes the window (hidden) on first use, as its controls are what reads them in.
 
 #include "platform/framework/Window.h"
 
@@ -9,6 +10,7 @@ class QCheckBox;
 class QComboBox;
 class QLabel;
 class QPushButton;
+class Preferences;
 
 class prefwin : public fw::Window {
     Q_OBJECT
@@ -17,19 +19,23 @@ public:
     ~prefwin() override;
 
     static prefwin &instance();
+    // The three settings, as the window's controls set them.
+    static Preferences &live();
 
-    QPushButton *PushButton1 = nullptr;
-    QCheckBox *CheckBox1 = nullptr;
-    QCheckBox *quartz = nullptr;
-    QComboBox *emaildefault = nullptr;
-    QLabel *StaticText1 = nullptr;
-    QComboBox *PopupMenu1 = nullptr;
-    QLabel *StaticText2 = nullptr;
-    QPushButton *PushButton2 = nullptr;
-    QLabel *StaticText3 = nullptr;
-    QLabel *savefolder = nullptr;
-    QPushButton *PushButton3 = nullptr;
-    QCheckBox *CheckBox2 = nullptr;
+    QPushButton *PushButton1 = nullptr; // OK: hides the window
+    QCheckBox *CheckBox1 = nullptr;     // Launch at Login
+    QCheckBox *quartz = nullptr;        // Smooth Scaling
+    QComboBox *emaildefault = nullptr;  // the mail program: default mailer, Thunderbird, Evolution
+    QLabel *StaticText1 = nullptr;      // "Send email using:"
+    QComboBox *PopupMenu1 = nullptr;    // the image format, row tags holding the exporter codes
+    QLabel *StaticText2 = nullptr;      // "Image Format:"
+    QPushButton *PushButton2 = nullptr; // Settings: the exporter's dialog for the format
+    QLabel *StaticText3 = nullptr;      // "Default Folder:"
+    QLabel *savefolder = nullptr;       // the default folder's name
+    QPushButton *PushButton3 = nullptr; // Select: choose the default folder
+    QCheckBox *CheckBox2 = nullptr;     // Hide Tray Icon
+    // Keeps the Launch at Login box's own write (at opening) from changing the login items.
+    bool holdlaunchsetting = false;
     // Shown on desktops that hand out no key: what to bind instead. Grows the window.
     QLabel *keyHint = nullptr;
 

@@ -2,12 +2,10 @@
 
 #include "recent/RecentMath.h"
 
-#include "app/App.h"
-#include "app/MenuBar1.h"
-#include "platform/core/Picture.h"
-#include "editor/Window1.h"
-#include "platform/framework/Canvas.h"
 #include "platform/core/Failure.h"
+#include "platform/core/Picture.h"
+#include "platform/framework/Application.h"
+#include "platform/framework/Canvas.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -21,7 +19,7 @@ recentwin::recentwin(fw::Services &services, fw::WindowRegistry &registry)
     : fw::Window(services, registry)
 {
     setObjectName(QStringLiteral("recentwin"));
-    MenuBar1::addQuitShortcut(App::instance(), this);
+    fw::Application::instance().addQuitShortcut(this);
     setWindowTitle(QStringLiteral("Untitled")); // a drawer shows no title of its own
     setWindowRole(QStringLiteral("drawer"));
     // A tool window with no title bar of its own: it belongs to the editor and moves with it.
@@ -49,16 +47,14 @@ recentwin::recentwin(fw::Services &services, fw::WindowRegistry &registry)
     Canvas2->onPaint = [this](QPainter &g, int, int) { Canvas2_Paint(g); };
     Canvas2->onMouseDown = [this](int x, int y) { return Canvas2_MouseDown(x, y); };
     Canvas2->onMouseUp = [this](int x, int y) { Canvas2_MouseUp(x, y); };
-    connect(ScrollBar1, &QScrollBar::valueChanged, this,
-            [this] { fw::guarded([this] { ScrollBar1_ValueChanged(); }); });
-    connect(BevelButton1, &QPushButton::clicked, this,
-            [this] { fw::guarded([this] { BevelButton1_Action(); }); });
+    fw::connectGuarded(ScrollBar1, &QScrollBar::valueChanged, this, [this] { ScrollBar1_ValueChanged(); });
+    fw::connectGuarded(BevelButton1, &QPushButton::clicked, this, [this] { BevelButton1_Action(); });
     Beep = [] { QApplication::beep(); };
 }
 
 recentwin::~recentwin() = default;
 
-recentwin &recentwin::instance() { return App::instance().windows().get<recentwin>(); }
+recentwin &recentwin::instance() { return fw::Application::instance().windows().get<recentwin>(); }
 
 void recentwin::addimage(const QImage &picture)
 {
@@ -103,9 +99,8 @@ void recentwin::Canvas2_MouseUp(int, int y)
     const QImage p = recentimages[row];
     QImage mask = fw::nilCheck(fw::NewPicture(p.width(), p.height()));
     mask.fill(QColor(0, 0, 0));
-    Window1 &editor = Window1::instance();
-    editor.mypic = fw::CGCreateImage(fw::BitmapOf(p), mask);
-    editor.loadimage(QString::number(editor.Slider1->value()));
+    emit captureChosen(fw::CGCreateImage(fw::BitmapOf(p), mask));
+    fw::rethrowPending(); // the editor's failure ends this click
 }
 
 void recentwin::ScrollBar1_ValueChanged() { Canvas2->Refresh(true); }
@@ -120,7 +115,7 @@ void recentwin::Event_Resized() { setscroll(); }
 
 void recentwin::followEditor()
 {
-    Window1 *editor = registry().existing<Window1>();
+    fw::Window *editor = m_editor;
     if (!editor) return;
     const QRect frame = editor->frameGeometry();
     const QScreen *screen = editor->screen() ? editor->screen() : QGuiApplication::primaryScreen();
@@ -137,8 +132,8 @@ void recentwin::followEditor()
 void recentwin::showEvent(QShowEvent *e)
 {
     fw::Window::showEvent(e);
-    if (Window1 *editor = registry().existing<Window1>()) {
-        editor->installEventFilter(this);
+    if (m_editor) {
+        m_editor->installEventFilter(this);
         followEditor();
     }
 }
@@ -146,6 +141,6 @@ void recentwin::showEvent(QShowEvent *e)
 bool recentwin::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::Move || event->type() == QEvent::Resize) followEditor();
-    if (event->type() == QEvent::Hide && watched == registry().existing<Window1>()) hide();
+    if (event->type() == QEvent::Hide && watched == m_editor) hide();
     return fw::Window::eventFilter(watched, event);
 }

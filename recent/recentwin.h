@@ -1,11 +1,12 @@
 #pragma once
 // The drawer of the last ten captures of this run, attached to the editor's right edge. A click
-// on a thumbnail takes that capture back into the editor.
+// on a thumbnail hands that capture back to the editor (captureChosen).
 
 #include "platform/framework/Window.h"
 
 #include <QImage>
 #include <QList>
+#include <QPointer>
 
 class QScrollBar;
 class QPushButton;
@@ -24,9 +25,9 @@ public:
     // Oldest first, at most ten, the very pictures from the clipboard (shared, not copied).
     QList<QImage> recentimages;
 
-    fw::Canvas *Canvas2 = nullptr;
-    QScrollBar *ScrollBar1 = nullptr;
-    QPushButton *BevelButton1 = nullptr;
+    fw::Canvas *Canvas2 = nullptr;      // the column of thumbnails
+    QScrollBar *ScrollBar1 = nullptr;   // scrolls the column
+    QPushButton *BevelButton1 = nullptr; // Clear All
 
     void addimage(const QImage &picture);
     void setscroll();
@@ -38,12 +39,21 @@ public:
     void BevelButton1_Action();
     void Event_Resized() override;
 
+    // The window the drawer belongs to and follows.
+    void attachTo(fw::Window *editor) { m_editor = editor; }
     // Keeps the drawer against the editor's right edge, as tall as its content area.
     void followEditor();
     // The sound of a click that hits nothing; tests count it.
     std::function<void()> Beep;
 
+signals:
+    // A thumbnail was clicked: the capture made of its picture, opaque.
+    void captureChosen(const QImage &mypic);
+
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void showEvent(QShowEvent *e) override;
+
+private:
+    QPointer<fw::Window> m_editor;
 };

@@ -1,7 +1,7 @@
 #include "output/export/GraphicsExporter.h"
 
-#include "platform/framework/Application.h"
 #include "platform/files/AtomicFile.h"
+#include "platform/framework/Application.h"
 #include "output/export/MagickWriter.h"
 
 #include <QBuffer>
@@ -151,14 +151,28 @@ QByteArray GraphicsExporter::encodeCached(const QImage &picture)
     return m_last.bytes;
 }
 
-int GraphicsExporter::Export()
+const char *describe(ExportStatus status)
+{
+    switch (status) {
+    case ExportStatus::Written: return "written";
+    case ExportStatus::NoFormat: return "no format";
+    case ExportStatus::NoFile: return "no file";
+    case ExportStatus::NotEncoded: return "not encoded";
+    case ExportStatus::WriteFailed: return "write failed";
+    case ExportStatus::NameTaken: return "name taken";
+    case ExportStatus::Ending: return "session ending";
+    }
+    return "?";
+}
+
+ExportStatus GraphicsExporter::Export()
 {
     // The session is ending: the user confirmed no file.
-    if (Application::ending()) return -6;
-    if (m_format == ExportFormat::None) return -1;
-    if (OutputFile.isEmpty()) return -2;
+    if (Application::ending()) return ExportStatus::Ending;
+    if (m_format == ExportFormat::None) return ExportStatus::NoFormat;
+    if (OutputFile.isEmpty()) return ExportStatus::NoFile;
     const QByteArray bytes = encodeCached(InputPicture);
-    if (bytes.isEmpty()) return -3;
+    if (bytes.isEmpty()) return ExportStatus::NotEncoded;
     NewFileResult result = NewFileResult::Failed;
     if (!OutputFileMustBeNew)
         result = writeFileReplacing(OutputFile, bytes) ? NewFileResult::Written : NewFileResult::Failed;
@@ -166,7 +180,12 @@ int GraphicsExporter::Export()
         result = writeNewFile(OutputFile, bytes);
     // Kept only for a retry under the next free name: a large picture's file is not held on.
     if (result != NewFileResult::Taken) m_last = {};
-    return result == NewFileResult::Written ? 0 : result == NewFileResult::Taken ? NameTaken : -4;
+    switch (result) {
+    case NewFileResult::Written: return ExportStatus::Written;
+    case NewFileResult::Taken: return ExportStatus::NameTaken;
+    case NewFileResult::Failed: break;
+    }
+    return ExportStatus::WriteFailed;
 }
 
 } // namespace fw

@@ -13,6 +13,18 @@
 
 namespace fw {
 
+// What an export came to. Nothing is written unless it says Written.
+enum class ExportStatus {
+    Written,
+    NoFormat,    // the exporter was opened for no format
+    NoFile,      // no output file was given
+    NotEncoded,  // the picture could not be encoded in the format (nil, or beyond the writer)
+    WriteFailed, // the file could not be written
+    NameTaken,   // something stands at a name that had to be new
+    Ending,      // the session is ending: the user confirmed no file
+};
+const char *describe(ExportStatus status);
+
 class GraphicsExporter {
 public:
     // The settings dialog for a format; true when the user confirmed it. Tests swap it.
@@ -32,9 +44,7 @@ public:
     QString OutputFile;
     // When set, Export never replaces anything at OutputFile and answers NameTaken instead.
     bool OutputFileMustBeNew = false;
-    // 0 when the file was written; a negative status otherwise (nothing is written then).
-    int Export();
-    static constexpr int NameTaken = -5;
+    ExportStatus Export();
 
     // The encoded file for the current format and settings, empty when it can't be made.
     QByteArray encode(const QImage &picture) const;

@@ -1,5 +1,7 @@
 #include "platform/core/Failure.h"
 
+#include "platform/core/Logging.h"
+
 #include <QThread>
 #include <vector>
 
@@ -10,8 +12,20 @@ std::vector<int> g_levels; // the event loop level of each guarded handler on th
 std::exception_ptr g_pending;
 bool g_reporting = false;
 
+const char *describe(std::exception_ptr e)
+{
+    try {
+        std::rethrow_exception(e);
+    } catch (const std::exception &x) {
+        return x.what();
+    } catch (...) {
+        return "a failure of unknown kind";
+    }
+}
+
 void report(std::exception_ptr e)
 {
+    qCWarning(lcFramework) << "unhandled failure:" << describe(e);
     // A failure while the message of an earlier one is up is not reported twice.
     if (g_reporting || !g_handler) return;
     g_reporting = true;

@@ -39,4 +39,11 @@ int toInt(double v)
     return static_cast<int>(v);
 }
 
+bool isYes(const QString &text)
+{
+    const QString t = text.trimmed();
+    return t == QLatin1String("1") || t.compare(QLatin1String("yes"), Qt::CaseInsensitive) == 0 ||
+           t.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0;
+}
+
 } // namespace fw

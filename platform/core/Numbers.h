@@ -10,5 +10,8 @@ namespace fw {
 double Val(const QString &text);
 // A real number to an integer, dropping the fraction (saturating at the int range).
 int toInt(double v);
+// Whether a text says yes as launchers and settings files write it: "1", "yes", "true" (any case,
+// blanks around ignored).
+bool isYes(const QString &text);
 
 } // namespace fw

@@ -1,21 +1,19 @@
 #include "platform/desktop/TrayIcon.h"
 
-#include "platform/framework/Application.h"
-
 #include <QIcon>
 #include <QMenu>
 #include <QSystemTrayIcon>
 
 namespace fw {
 
-TrayIcon::TrayIcon(Application &app, const QString &iconFile)
+TrayIcon::TrayIcon(const QString &iconFile)
     : m_menu(std::make_unique<QMenu>()), m_icon(std::make_unique<QSystemTrayIcon>())
 {
     for (const auto &[name, text] : {std::pair{"FilePreferences", "Preferences"}, std::pair{"FileQuit", "Quit"}}) {
         QAction *a = m_menu->addAction(QString::fromLatin1(text));
         a->setObjectName(QString::fromLatin1(name));
         const QString command = QString::fromLatin1(name);
-        connect(a, &QAction::triggered, &app, [&app, command] { app.dispatchMenuCommand(command); });
+        connect(a, &QAction::triggered, this, [this, command] { emit commandChosen(command); });
     }
     QIcon icon(iconFile);
     m_icon->setIcon(icon.isNull() ? QIcon::fromTheme("camera-photo") : icon);

@@ -1,6 +1,6 @@
 #pragma once
 // The program's presence in the panel: a status icon whose menu carries the application's
-// commands (Preferences, Quit), sent through the application's menu chain.
+// commands (Preferences, Quit); a choice is announced by the command's menu item name.
 
 #include <QObject>
 #include <memory>
@@ -10,14 +10,16 @@ class QSystemTrayIcon;
 
 namespace fw {
 
-class Application;
-
 class TrayIcon : public QObject {
+    Q_OBJECT
 public:
-    TrayIcon(Application &app, const QString &iconFile);
+    explicit TrayIcon(const QString &iconFile);
     ~TrayIcon() override;
     QMenu *menu() const { return m_menu.get(); }
     bool isVisible() const;
+
+signals:
+    void commandChosen(const QString &name);
 
 private:
     std::unique_ptr<QMenu> m_menu;

@@ -1,23 +1,13 @@
 #include "platform/display/FrameExtents.h"
 
+#include "platform/core/X11Connection.h"
+
 #include <QElapsedTimer>
-#include <QGuiApplication>
 #include <QThread>
-#include <QtGui/qguiapplication_platform.h>
 #include <cstdlib>
-#include <cstring>
 #include <xcb/xcb.h>
 
 namespace fw {
-
-static xcb_atom_t atom(xcb_connection_t *c, const char *name)
-{
-    xcb_intern_atom_reply_t *r =
-        xcb_intern_atom_reply(c, xcb_intern_atom(c, 0, quint16(std::strlen(name)), name), nullptr);
-    const xcb_atom_t a = r ? r->atom : xcb_atom_t(XCB_ATOM_NONE);
-    std::free(r);
-    return a;
-}
 
 // The window's _NET_FRAME_EXTENTS (left, right, top, bottom), if set.
 static bool readExtents(xcb_connection_t *c, xcb_window_t w, xcb_atom_t extents, QMargins *out)
@@ -35,11 +25,10 @@ static bool readExtents(xcb_connection_t *c, xcb_window_t w, xcb_atom_t extents,
 
 QMargins frameExtentsBeforeShowing(QWidget *window, bool ask)
 {
-    auto *x11 = qApp ? qApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-    xcb_connection_t *c = x11 ? x11->connection() : nullptr;
+    xcb_connection_t *c = x11Connection();
     if (!c || !window) return {};
     const auto w = xcb_window_t(window->winId());
-    const xcb_atom_t extents = atom(c, "_NET_FRAME_EXTENTS");
+    const xcb_atom_t extents = x11Atom(c, "_NET_FRAME_EXTENTS");
     QMargins m;
     // Set by the window manager once it has managed the window, and kept while it is hidden.
     if (readExtents(c, w, extents, &m) || !ask) return m;
@@ -47,8 +36,8 @@ QMargins frameExtentsBeforeShowing(QWidget *window, bool ask)
     ev.response_type = XCB_CLIENT_MESSAGE;
     ev.format = 32;
     ev.window = w;
-    ev.type = atom(c, "_NET_REQUEST_FRAME_EXTENTS");
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(c)).data->root;
+    ev.type = x11Atom(c, "_NET_REQUEST_FRAME_EXTENTS");
+    const xcb_window_t root = x11RootWindow();
     xcb_send_event(c, 0, root,
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char *>(&ev));

@@ -12,6 +12,7 @@
 namespace fw {
 
 namespace {
+Application *g_application = nullptr;
 int g_signalFds[2] = {-1, -1};
 bool g_ending = false;
 
@@ -24,6 +25,7 @@ void onSignal(int)
 
 Application::Application(Services &services) : m_services(services), m_windows(services)
 {
+    g_application = this;
     g_ending = false; // one application object a process, but tests make several in turn
     setUnhandledHandler([this](std::exception_ptr e) { Event_UnhandledException(e); });
 }
@@ -32,7 +34,10 @@ Application::~Application()
 {
     m_windows.destroyAll();
     setUnhandledHandler(nullptr);
+    if (g_application == this) g_application = nullptr;
 }
+
+Application &Application::instance() { return *nilCheck(g_application); }
 
 void Application::start()
 {
@@ -61,7 +66,6 @@ void Application::Quit(int code)
 {
     if (!m_windows.closeAll()) return;
     m_quitRequested = true;
-    emit quitCompleted(code);
     QCoreApplication::exit(code);
 }
 
@@ -70,7 +74,6 @@ void Application::systemQuit()
     if (g_ending) return;
     g_ending = true;
     m_quitRequested = true;
-    emit quitCompleted(0);
     // The handlers below on the stack (a Save whose settings dialog is open, the splash) resume
     // and return; the windows they use stay alive until then.
     QCoreApplication::exit(0);

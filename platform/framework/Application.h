@@ -3,12 +3,14 @@
 // Quit, message boxes and the menu command chain (front window first, then the application,
 // until a handler returns true).
 
+#include "platform/framework/MenuBar.h"
 #include "platform/framework/Services.h"
 #include "platform/framework/WindowRegistry.h"
 
 #include <QObject>
 #include <exception>
 
+class QMenuBar;
 class QSocketNotifier;
 
 namespace fw {
@@ -18,6 +20,15 @@ class Application : public QObject {
 public:
     explicit Application(Services &services);
     ~Application() override;
+
+    // The one application object of the process.
+    static Application &instance();
+
+    // Set once the user has given the Quit command; it turns a close of the editor into a real
+    // close. Never cleared.
+    bool quitting = false;
+    // The breadcrumb: the last guarded stage that began, named by the one failure message.
+    QString process;
 
     // Delivers Event_Open (guarded), then returns; the caller runs the event loop.
     void start();
@@ -39,6 +50,13 @@ public:
 
     // A modal message box with one button.
     virtual void MsgBox(const QString &text);
+    // Brings the program's front window forward.
+    virtual void gotofront() {}
+
+    // The menu bar's items; windows build their bars and Quit shortcuts from them.
+    void setMenuItems(QList<MenuItemSpec> items) { m_menuItems = std::move(items); }
+    QMenuBar *buildMenuBar(QWidget *parent) { return menus::build(*this, m_menuItems, parent); }
+    void addQuitShortcut(QWidget *window) { menus::addQuitShortcut(*this, m_menuItems, window); }
 
     void AddMenuHandler(const QString &name, std::function<bool()> handler);
     // Runs a menu command: the front window's handler, then the application's, until one
@@ -54,14 +72,12 @@ public:
     // Whether the event loop was asked to end, and with which code.
     bool quitRequested() const { return m_quitRequested; }
 
-signals:
-    void quitCompleted(int code);
-
 private:
     void installSignalHandlers();
     Services &m_services;
     WindowRegistry m_windows;
     QHash<QString, std::function<bool()>> m_menuHandlers;
+    QList<MenuItemSpec> m_menuItems;
     QSocketNotifier *m_signalNotifier = nullptr;
     bool m_quitRequested = false;
 };

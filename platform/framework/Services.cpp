@@ -1,10 +1,7 @@
 #include "platform/framework/Services.h"
 
-#include "output/export/ExportSettingsDialog.h"
 #include "platform/system/SystemInformation.h"
 #include "platform/files/TemporaryFolder.h"
-#include "platform/hotkeys/PortalHotKeyService.h"
-#include "platform/hotkeys/X11HotKeyService.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -29,7 +26,6 @@ Services::Services(Bundle b, QString configFolder)
           const QString start = folder.isEmpty() ? suggested : folder + "/" + suggested;
           return QFileDialog::getSaveFileName(parent, QString(), start);
       }),
-      settingsDialog([](ExportFormat f, ExporterSettings &s) { return output::runExportSettingsDialog(f, s); }),
       shiftKeyDown([] { return QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ShiftModifier); }),
       printDialog([](QWidget *parent) -> std::unique_ptr<QPrinter> {
           auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
@@ -66,31 +62,6 @@ QString userDesktopFolder()
 bool isWaylandSession(const QString &sessionType, const QString &waylandDisplay)
 {
     return sessionType.compare(QLatin1String("wayland"), Qt::CaseInsensitive) == 0 || !waylandDisplay.isEmpty();
-}
-
-// On X11 a grab on the root window. On Wayland the compositor hands out keys: the portal asks
-// it, and XWayland's keyboard map (when the program runs there) names the key that types "2".
-static std::unique_ptr<HotKeyService> hotKeysForThisSession()
-{
-    std::unique_ptr<HotKeyService> x11 = X11HotKeyService::createIfAvailable();
-    if (!isWaylandSession(qEnvironmentVariable("XDG_SESSION_TYPE"), qEnvironmentVariable("WAYLAND_DISPLAY")))
-        return x11;
-    auto *keyboard = dynamic_cast<X11HotKeyService *>(x11.get());
-    std::shared_ptr<HotKeyService> owner(std::move(x11));
-    auto keyCodeOf = [owner, keyboard](int ascii) { return keyboard ? keyboard->AsciiToKeyCode(ascii) : ascii; };
-    auto keysymName = [owner, keyboard](int keycode, bool shifted) {
-        if (keyboard) return keyboard->keysymName(keycode, shifted);
-        // No keyboard map to ask: the character itself, by its ASCII keysym name.
-        return shifted || keycode < '0' || keycode > 'z' ? QString() : QString(QChar(keycode));
-    };
-    return std::make_unique<PortalHotKeyService>(keyCodeOf, keysymName);
-}
-
-std::unique_ptr<Services> Services::forThisMachine()
-{
-    auto s = std::make_unique<Services>(Bundle(QCoreApplication::applicationDirPath()), configHome());
-    s->hotKeys = hotKeysForThisSession();
-    return s;
 }
 
 } // namespace fw

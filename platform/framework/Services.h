@@ -1,19 +1,20 @@
 #pragma once
-// The platform stand-ins the program uses, made once by the composition root (main, or a test)
-// and handed to every window. Tests swap any of them for a fake.
+// The platform stand-ins the program uses, made once by the composition root (app's
+// servicesForThisMachine, or a test) and handed to every window. Tests swap any of them for a
+// fake.
 
 #include "platform/desktop/Bundle.h"
 #include "platform/store/CFPreferences.h"
 #include "platform/display/Cursors.h"
-#include "output/export/GraphicsExporter.h"
 #include "platform/hotkeys/HotKeyService.h"
 #include "platform/system/Shell.h"
 
 #include <functional>
 
+#include <memory>
+
 class QWidget;
 class QPrinter;
-#include <memory>
 
 namespace fw {
 
@@ -32,8 +33,6 @@ struct Services {
     std::function<QString(QWidget *parent, const QString &start)> selectFolder;
     // The save dialog, modal: a path, or empty on cancel.
     std::function<QString(QWidget *parent, const QString &folder, const QString &suggested)> saveAsDialog;
-    // The exporter's settings dialog for a format.
-    GraphicsExporter::SettingsDialog settingsDialog;
     // Whether Shift is down at the moment of asking.
     std::function<bool()> shiftKeyDown;
     // The print dialog: a printer ready for one page, or null on cancel.
@@ -42,10 +41,6 @@ struct Services {
     std::function<bool(QPrinter &)> pageSetupDialog;
     // The per-user private folder for temporary files; empty (nil) when it can't be had safely.
     std::function<QString()> temporaryFolder;
-
-    // The real services of this machine: the bundle around the running program,
-    // $XDG_CONFIG_HOME for preferences, X11 hot keys where there is an X server.
-    static std::unique_ptr<Services> forThisMachine();
 };
 
 // Whether the desktop session is a Wayland one (the program may still be an X11 client in it).

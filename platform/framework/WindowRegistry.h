@@ -6,6 +6,8 @@
 #include "platform/framework/Window.h"
 
 #include <QPointer>
+#include <functional>
+#include <map>
 #include <memory>
 #include <typeindex>
 #include <vector>
@@ -23,8 +25,16 @@ public:
         auto owned = std::make_unique<W>(m_services, *this);
         W *raw = owned.get();
         m_windows.push_back({std::type_index(typeid(W)), std::move(owned)});
+        if (auto hook = m_onMade.find(std::type_index(typeid(W))); hook != m_onMade.end()) hook->second(*raw);
         raw->create();
         return *raw;
+    }
+
+    // What the composition root joins to a window of that class each time one is made: run
+    // after construction, before the window's open handlers.
+    template <class W> void onMade(std::function<void(W &)> join)
+    {
+        m_onMade[std::type_index(typeid(W))] = [join](Window &w) { join(static_cast<W &>(w)); };
     }
 
     template <class W> W *existing() const
@@ -57,6 +67,7 @@ private:
     };
     Services &m_services;
     std::vector<Entry> m_windows;
+    std::map<std::type_index, std::function<void(Window &)>> m_onMade;
     bool m_quitting = false;
     bool m_forcing = false;
 };

@@ -1,7 +1,8 @@
 #include "platform/hotkeys/X11HotKeyService.h"
 
-#include <QGuiApplication>
-#include <QtGui/qguiapplication_platform.h>
+#include "platform/core/X11Connection.h"
+
+#include <QCoreApplication>
 #include <cstdlib>
 #include <xcb/xcb.h>
 #include <xcb/xcb_keysyms.h>
@@ -15,12 +16,9 @@ static constexpr quint16 kIgnoredMasks[] = {0, XCB_MOD_MASK_LOCK, XCB_MOD_MASK_2
 
 std::unique_ptr<HotKeyService> X11HotKeyService::createIfAvailable(QObject *parent)
 {
-    auto *x11 = qApp ? qApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-    xcb_connection_t *conn = x11 ? x11->connection() : nullptr;
+    xcb_connection_t *conn = x11Connection();
     if (!conn) return std::make_unique<NullHotKeyService>(parent);
-    const xcb_setup_t *setup = xcb_get_setup(conn);
-    xcb_screen_iterator_t it = xcb_setup_roots_iterator(setup);
-    return std::make_unique<X11HotKeyService>(conn, it.data->root, parent);
+    return std::make_unique<X11HotKeyService>(conn, x11RootWindow(), parent);
 }
 
 X11HotKeyService::X11HotKeyService(xcb_connection_t *connection, quint32 rootWindow,

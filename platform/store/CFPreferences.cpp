@@ -1,5 +1,7 @@
 #include "platform/store/CFPreferences.h"
 
+#include "platform/core/Numbers.h"
+
 namespace fw {
 
 PreferenceDomains::PreferenceDomains(QString folder) : m_folder(std::move(folder)) {}
@@ -32,10 +34,8 @@ bool CFPreferences::CopyAppBooleanValue(const QString &key, const QString &domai
         return v->toBoolean();
     case StoreValue::Kind::Integer:
         return v->toInteger() != 0;
-    case StoreValue::Kind::String: {
-        const QString s = v->toString().trimmed().toLower();
-        return s == "true" || s == "yes" || s == "1";
-    }
+    case StoreValue::Kind::String:
+        return isYes(v->toString());
     default:
         return false;
     }

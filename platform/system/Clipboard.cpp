@@ -1,5 +1,7 @@
 #include "platform/system/Clipboard.h"
 
+#include "platform/core/X11Connection.h"
+
 #include <QBuffer>
 #include <QClipboard>
 #include <QGuiApplication>
@@ -12,7 +14,6 @@
 #include <QTimer>
 #include <QElapsedTimer>
 #include <QThread>
-#include <QtGui/qguiapplication_platform.h>
 #include <algorithm>
 #include <cstdlib>
 #include <xcb/xcb.h>
@@ -54,18 +55,13 @@ QByteArray xclipOut(const QString &target, const QDeadlineTimer &deadline)
 
 quint32 Clipboard::owner()
 {
-    auto *x11 = qApp ? qApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-    xcb_connection_t *conn = x11 ? x11->connection() : nullptr;
-    if (!conn) return 0;
-    static const char name[] = "CLIPBOARD";
-    xcb_intern_atom_reply_t *atom =
-        xcb_intern_atom_reply(conn, xcb_intern_atom(conn, 0, sizeof name - 1, name), nullptr);
-    if (!atom) return 0;
+    xcb_connection_t *conn = x11Connection();
+    const xcb_atom_t clipboard = conn ? x11Atom(conn, "CLIPBOARD") : xcb_atom_t(XCB_ATOM_NONE);
+    if (clipboard == XCB_ATOM_NONE) return 0;
     xcb_get_selection_owner_reply_t *reply =
-        xcb_get_selection_owner_reply(conn, xcb_get_selection_owner(conn, atom->atom), nullptr);
+        xcb_get_selection_owner_reply(conn, xcb_get_selection_owner(conn, clipboard), nullptr);
     const quint32 window = reply ? reply->owner : 0;
     std::free(reply);
-    std::free(atom);
     return window;
 }
 

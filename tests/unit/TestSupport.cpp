@@ -25,10 +25,6 @@ TestProgram::TestProgram(bool start)
     services->commands.reset(runner = new FakeRunner);
     services->hotKeys.reset(keys = new FakeHotKeys);
     services->osVersionString = [] { return QStringLiteral("Mac OS X 10.5.8"); };
-    services->settingsDialog = [this](fw::ExportFormat f, fw::ExporterSettings &) {
-        dialogsShown << f;
-        return confirmSettings;
-    };
     services->shiftKeyDown = [this] { return shiftDown; };
     services->saveAsDialog = [this](QWidget *, const QString &folder, const QString &suggested) {
         saveAsShown << (folder + "|" + suggested);
@@ -38,7 +34,12 @@ TestProgram::TestProgram(bool start)
     QFile::setPermissions(home.path() + "/tmp", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     services->temporaryFolder = [this] { return home.path() + "/tmp"; };
     prefs = std::make_unique<Preferences>(services->preferenceDomains);
-    app = std::make_unique<RecordingApp>(*services);
+    session = std::make_unique<Session>();
+    app = std::make_unique<RecordingApp>(*services, *prefs, *session);
+    app->commands().settingsDialog = [this](fw::ExportFormat f, fw::ExporterSettings &) {
+        dialogsShown << f;
+        return confirmSettings;
+    };
     prefs->msgBox = [this](const QString &t) { app->MsgBox(t); };
     QGuiApplication::clipboard()->clear();
     if (start) app->_Startup();
@@ -47,6 +48,7 @@ TestProgram::TestProgram(bool start)
 TestProgram::~TestProgram()
 {
     app.reset();
+    session.reset();
     prefs.reset();
     services.reset();
 }

@@ -6,6 +6,7 @@
 #include "platform/hotkeys/HotKeyService.h"
 #include "platform/framework/Services.h"
 #include "prefs/Preferences.h"
+#include "prefs/Session.h"
 
 #include <QClipboard>
 #include <QDir>
@@ -74,10 +75,12 @@ public:
     void pressHotKey(); // delivered as the platform would
     Window1 &capture(const QImage &picture = patternImage(40, 40)); // one press that captures it
     fw::StoreObject stored(const QString &key) const; // as a fresh reader finds it on disk
+    output::Commands &commands() const { return app->commands(); }
 
     QTemporaryDir home;
     std::unique_ptr<fw::Services> services;
     std::unique_ptr<Preferences> prefs;
+    std::unique_ptr<Session> session;
     std::unique_ptr<RecordingApp> app;
     FakeRunner *runner = nullptr;
     FakeHotKeys *keys = nullptr;

@@ -58,15 +58,16 @@ private slots:
         };
         TestProgram t;
         Window1 &w = t.capture(screenLike(640, 400));
+        fw::GraphicsExporter &e = *t.commands().exporter;
         w.scaleField->setText("50");
         w.captionText->setText("Caption");
         for (const auto &c : cases) {
             prefwin::instance().PopupMenu1->setCurrentIndex(c.row);
-            w.exporter->setSettings(c.settings);
-            w.exporter->InputPicture = w.getoutputimage();
-            w.exporter->OutputFile = t.home.path() + "/out." + w.exporter->GetDefaultFileNameExtension();
-            QCOMPARE(w.exporter->Export(), 0);
-            const QJsonObject got = readBack(w.exporter->OutputFile, w.getoutputimage());
+            e.setSettings(c.settings);
+            e.InputPicture = w.getoutputimage();
+            e.OutputFile = t.home.path() + "/out." + e.GetDefaultFileNameExtension();
+            QCOMPARE(e.Export(), fw::ExportStatus::Written);
+            const QJsonObject got = readBack(e.OutputFile, w.getoutputimage());
             const QByteArray all = QJsonDocument(got).toJson(QJsonDocument::Compact);
             QCOMPARE(got["format"].toString(), c.format);
             QCOMPARE(got["size"].toArray(), (QJsonArray{320, 200}));
@@ -96,7 +97,7 @@ private slots:
             e.setSettings(bytes);
             QCOMPARE(e.Settings(), fw::ExporterSettings{}.toText(fw::ExportFormat::PNG));
             e.OutputFile = dir.path() + "/x.png";
-            QCOMPARE(e.Export(), 0);
+            QCOMPARE(e.Export(), fw::ExportStatus::Written);
             QCOMPARE(QImage(e.OutputFile).size(), QSize(20, 10));
         }
         e.OpenExporter("TPIC");
@@ -104,10 +105,10 @@ private slots:
         e.InputPicture.fill(Qt::red);
         e.OutputFile = dir.path() + "/wide.tga";
         QCOMPARE(e.writerFor(e.InputPicture), fw::GraphicsExporter::Writer::None);
-        QVERIFY(e.Export() < 0); // and the process is still here
-        e.OpenExporter("JPEG");  // Qt takes what ImageMagick can't
+        QCOMPARE(e.Export(), fw::ExportStatus::NotEncoded); // and the process is still here
+        e.OpenExporter("JPEG");                             // Qt takes what ImageMagick can't
         e.OutputFile = dir.path() + "/wide.jpg";
-        QCOMPARE(e.Export(), 0);
+        QCOMPARE(e.Export(), fw::ExportStatus::Written);
     }
 
     void save_writesCaptureThenCapture1AndItsKeys()
@@ -115,17 +116,17 @@ private slots:
         TestProgram t;
         t.confirmSettings = false; // a cancelled settings dialog still writes and stores
         Window1 &w = t.capture();
-        w.SaveTB_Action();
+        t.commands().SaveTB_Action();
         QVERIFY(QFile::exists(t.home.path() + "/Desktop/Capture.jpg"));
         QVERIFY(!w.isVisible());
-        QVERIFY(w.exporter->OutputFileMustBeNew); // never over a file that arrived meanwhile
+        QVERIFY(t.commands().exporter->OutputFileMustBeNew); // never over a file that arrived meanwhile
         t.capture();
         t.shiftDown = true; // Save does not look at Shift
-        w.SaveTB_Action();
+        t.commands().SaveTB_Action();
         QVERIFY(QFile::exists(t.home.path() + "/Desktop/Capture1.jpg"));
         QVERIFY(!w.isVisible());
         QCOMPARE(t.dialogsShown.size(), 1);
-        QCOMPARE(t.stored(PrefKeys::Settings.str())->toData(), w.settings);
+        QCOMPARE(t.stored(PrefKeys::Settings.str())->toData(), t.session->settings);
         QCOMPARE(t.stored(PrefKeys::LastScale.str())->toString(), QString("100"));
         QCOMPARE(t.stored(PrefKeys::LastFormat.str())->toString(), QString("JPEG"));
     }
@@ -135,13 +136,13 @@ private slots:
         TestProgram t;
         Window1 &w = t.capture();
         prefwin::instance().PopupMenu1->setCurrentIndex(3); // Photoshop
-        w.SaveasTB_Action();
+        t.commands().SaveasTB_Action();
         QCOMPARE(t.saveAsShown, QStringList{t.home.path() + "/Desktop|capture.psd"});
         QVERIFY(w.isVisible());
         QVERIFY(!t.stored(PrefKeys::LastFormat.str()));
         t.saveAsAnswer = t.home.path() + "/chosen name.png"; // any extension; Photoshop is written
         t.shiftDown = true;
-        w.SaveasTB_Action();
+        t.commands().SaveasTB_Action();
         QVERIFY(w.isVisible());
         QCOMPARE(readFile(t.saveAsAnswer).left(4), QByteArray("8BPS"));
         QCOMPARE(t.stored(PrefKeys::LastFormat.str())->toString(), QString("Photoshop"));
@@ -157,14 +158,14 @@ private slots:
         QFile::link(precious, t.home.path() + "/tmp/vtp1");
         QFile::link(t.home.path() + "/nowhere", t.home.path() + "/tmp/vtp2"); // dangling
         Window1 &w = t.capture();
-        w.MailTB_Action();
-        QVERIFY(!w.isVisible() && w.exporter->OutputFileMustBeNew);
+        t.commands().MailTB_Action();
+        QVERIFY(!w.isVisible() && t.commands().exporter->OutputFileMustBeNew);
         QCOMPARE(t.runner->calls.last(), (QStringList{t.bundlePath() + "/Contents/Resources/Scripts/168", t.home.path() + "/tmp/vtp3"}));
         t.capture();
         t.shiftDown = true;
-        w.MailTB_Action();
+        t.commands().MailTB_Action();
         QCOMPARE(t.dialogsShown.size(), 2);
-        QVERIFY(w.settings.isEmpty() && w.isVisible());
+        QVERIFY(t.session->settings.isEmpty() && w.isVisible());
         QCOMPARE(readFile(precious), QByteArray("keep me"));
         QVERIFY(!QFile::exists(t.home.path() + "/nowhere"));
         QVERIFY(QFileInfo(t.home.path() + "/tmp/vtp3").isFile() && QFileInfo(t.home.path() + "/tmp/vtp4").isFile());
@@ -185,7 +186,7 @@ private slots:
         Window1 &w = t.capture(capture);
         w.scaleField->setText("50");
         w.captionText->setText("Caption");
-        w._FilePrint_Action();
+        Window1::instance()._FilePrint_Action();
         QCOMPARE(QProcess::execute("pdftoppm", {"-r", "72", "-png", "-singlefile", pdf, t.home.path() + "/page"}), 0);
         const QImage page = QImage(t.home.path() + "/page.png").convertToFormat(QImage::Format_RGB32);
         QCOMPARE(page.size(), QSize(612, 792)); // points
@@ -197,18 +198,18 @@ private slots:
     {
         TestProgram t;
         Window1 &w = t.capture();
-        w.settings = "vantrel-export-settings 1\njpeg.quality=50\n";
+        t.session->settings = "vantrel-export-settings 1\njpeg.quality=50\n";
         w.scaleField->setText("50");
         w.captionText->setText("Hello");
         t.shiftDown = true;
-        w.ToolbarItem1_Action();
+        t.commands().ToolbarItem1_Action();
         QVERIFY(w.isVisible());
         QCOMPARE(QGuiApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
                  w.getoutputimage().convertToFormat(QImage::Format_RGB32));
-        QCOMPARE(t.stored(PrefKeys::Settings.str())->toString(), QString::fromUtf8(w.settings));
+        QCOMPARE(t.stored(PrefKeys::Settings.str())->toString(), QString::fromUtf8(t.session->settings));
         QCOMPARE(t.stored(PrefKeys::LastScale.str())->toString(), QString("50"));
         t.shiftDown = false;
-        w.ToolbarItem1_Action();
+        t.commands().ToolbarItem1_Action();
         QVERIFY(!w.isVisible());
         QVERIFY(t.dialogsShown.isEmpty());
     }

@@ -3,7 +3,7 @@
 
 #include "TestSupport.h"
 
-#include "app/MenuBar1.h"
+#include "platform/framework/MenuBar.h"
 #include "editor/Caption.h"
 #include "editor/EditorMath.h"
 #include "editor/Window1.h"
@@ -121,10 +121,11 @@ private slots:
         t.app->systemQuit();
         QVERIFY(t.app->quitRequested());
         // Nothing is written once the system ends the session; the windows close at the end.
-        w.exporter->InputPicture = patternImage(4, 4);
-        w.exporter->OutputFile = t.home.path() + "/late.jpg";
-        QVERIFY(w.exporter->Export() < 0);
-        QVERIFY(!QFile::exists(w.exporter->OutputFile));
+        fw::GraphicsExporter &e = *t.commands().exporter;
+        e.InputPicture = patternImage(4, 4);
+        e.OutputFile = t.home.path() + "/late.jpg";
+        QCOMPARE(e.Export(), fw::ExportStatus::Ending);
+        QVERIFY(!QFile::exists(e.OutputFile));
         t.app->finish();
         QVERIFY(!t.app->windows().existing<Window1>());
     }
@@ -335,23 +336,23 @@ private slots:
         QMenuBar *bar = w.menuBar;
         for (const QString item : {"FileQuit Ctrl+Q", "FilePrint Ctrl+P", "FileClose Ctrl+W", "FilePreferences ",
                                    "EditUndo Ctrl+Z", "EditCut Ctrl+X", "EditCopy Ctrl+C", "EditPaste Ctrl+V", "EditClear "})
-            QCOMPARE(MenuBar1::find(bar, item.section(' ', 0, 0))->shortcut().toString(), item.section(' ', 1));
+            QCOMPARE(fw::menus::find(bar, item.section(' ', 0, 0))->shortcut().toString(), item.section(' ', 1));
         fw::Application &app = *t.app;
         QApplication::setActiveWindow(&w);
-        QVERIFY(MenuBar1::isAvailable(app, "FilePrint"));
+        QVERIFY(fw::menus::isAvailable(app, "FilePrint"));
         w.captionText->setFocus();
         w.captionText->setText("words");
         w.captionText->deselect();
-        QVERIFY(!MenuBar1::isAvailable(app, "EditCopy"));
+        QVERIFY(!fw::menus::isAvailable(app, "EditCopy"));
         w.captionText->selectAll();
-        QVERIFY(MenuBar1::isAvailable(app, "EditCut"));
-        MenuBar1::find(bar, "EditCopy")->trigger(); // the caption's text, not the picture
+        QVERIFY(fw::menus::isAvailable(app, "EditCut"));
+        fw::menus::find(bar, "EditCopy")->trigger(); // the caption's text, not the picture
         QCOMPARE(QGuiApplication::clipboard()->text(), QString("words"));
         w.Hide();
         QApplication::setActiveWindow(nullptr);
-        QVERIFY(!MenuBar1::isAvailable(app, "FilePrint"));
-        QVERIFY(!MenuBar1::isAvailable(app, "FileClose"));
-        QVERIFY(MenuBar1::isAvailable(app, "FilePreferences"));
+        QVERIFY(!fw::menus::isAvailable(app, "FilePrint"));
+        QVERIFY(!fw::menus::isAvailable(app, "FileClose"));
+        QVERIFY(fw::menus::isAvailable(app, "FilePreferences"));
     }
 
     void pageSetup_storesItsStringAndReadsItBack()
@@ -404,7 +405,7 @@ private slots:
         t.services->selectFolder = [&answer](QWidget *, const QString &) { return answer; };
         prefwin &again = prefwin::instance();
         again.PushButton3->click();
-        QCOMPARE(Window1::instance().DefaultFolder->absolutePath(), answer);
+        QCOMPARE(t.session->DefaultFolder->absolutePath(), answer);
         answer.clear(); // cancelled
         again.PushButton3->click();
         QCOMPARE(again.savefolder->text(), QString("Shots"));

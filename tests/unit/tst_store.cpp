@@ -135,10 +135,10 @@ private slots:
             writeFile(t.home.path() + "/note.txt", "");
             t.writePlist(plistWith(QByteArray(c.body).replace("HOME", t.home.path().toUtf8())));
             t.app->_Startup();
-            Window1 *w = t.app->windows().existing<Window1>();
-            QCOMPARE(w->settings, c.settings);
+            const Session &s = *t.session;
+            QCOMPARE(s.settings, c.settings);
             const QString folder = QString(c.folder).replace("HOME", t.home.path()).replace("desktop", t.home.path() + "/Desktop");
-            QCOMPARE(w->DefaultFolder ? w->DefaultFolder->absolutePath() : "nil", folder);
+            QCOMPARE(s.DefaultFolder ? s.DefaultFolder->absolutePath() : "nil", folder);
             QCOMPARE(t.app->messages, c.message.isEmpty() ? QStringList() : QStringList{c.message});
             QCOMPARE(t.keys->claims.isEmpty(), !c.message.isEmpty());
         }
@@ -282,7 +282,7 @@ private slots:
             e.OpenExporter("PNGf");
             e.InputPicture = patternImage(20, 10);
             e.OutputFile = kind == "private" ? target : chosen;
-            QCOMPARE(e.Export(), 0);
+            QCOMPARE(e.Export(), fw::ExportStatus::Written);
             QCOMPARE(QImage(target).size(), QSize(20, 10));
             struct stat st = {};
             QCOMPARE(::stat(QFile::encodeName(target), &st), 0);
@@ -308,7 +308,7 @@ private slots:
         };
         search();
         writeFile(e.OutputFile, "someone else's");
-        QCOMPARE(output::exportUnderFreeName(e, search), 0);
+        QCOMPARE(output::exportUnderFreeName(e, search), fw::ExportStatus::Written);
         QCOMPARE(readFile(dir.filePath("Capture.jpg")), QByteArray("someone else's"));
         QCOMPARE(QImage(dir.filePath("Capture1.jpg")).size(), QSize(20, 10));
     }
