@@ -3,7 +3,7 @@
 # Idempotent and non-interactive: packages already present are skipped.
 set -eu
 
-PKGS="cmake g++ make pkg-config git
+PKGS="cmake g++ make pkg-config git clang-format
 qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins qt6-svg-dev libqt6svg6 libgl-dev
 libplist-dev libplist-utils libxcb1-dev libxcb-keysyms1-dev libxkbcommon-dev
 libmagick++-6.q16-dev

@@ -4,6 +4,9 @@
 set -eu
 cd "$(dirname "$0")/.."
 sh scripts/deps.sh
+# The layers and the house format first: either failing names the files.
+python3 scripts/check-layers.py
+sh scripts/check-format.sh
 build=build sanitize=OFF
 if [ "${VANTREL_SANITIZE:-0}" = 1 ]; then
   build=build-asan sanitize=ON

@@ -1,5 +1,7 @@
 #include "platform/system/Shell.h"
 
+#include "platform/core/Logging.h"
+
 #include <QProcess>
 #include <QStandardPaths>
 
@@ -17,16 +19,25 @@ int ProcessRunner::run(const QStringList &argv)
 {
     if (argv.isEmpty()) return -1;
     const QString program = resolve(argv.first());
-    if (program.isEmpty()) return -1;
+    if (program.isEmpty()) {
+        qCWarning(lcCapture) << "no program" << argv.first() << "on PATH or in the bundle";
+        return -1;
+    }
     QProcess p;
     // Children that stay behind (xclip keeps the selection) must not hold our output open.
     p.setStandardInputFile(QProcess::nullDevice());
     p.setStandardOutputFile(QProcess::nullDevice());
     p.setStandardErrorFile(QProcess::nullDevice());
     p.start(program, argv.mid(1));
-    if (!p.waitForStarted(-1)) return -1;
+    if (!p.waitForStarted(-1)) {
+        qCWarning(lcCapture) << "could not start" << program << p.errorString();
+        return -1;
+    }
     p.waitForFinished(-1);
-    return p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+    const int status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+    // A cancelled selection ends the helper with a status of its own: no failure.
+    qCDebug(lcCapture) << argv << "ended with status" << status;
+    return status;
 }
 
 void Shell::Execute(const QString &command)
