@@ -32,6 +32,7 @@ void Commands::settingsStep(bool storeRequested)
         exporter->setSettings(m_session.settings);
         return;
     }
+    qCDebug(lcOutput) << "asking for the exporter's settings";
     // A cancelled dialog goes on like a confirmed one, with the settings as they stand.
     (void)exporter->RequestSettings();
     if (!storeRequested) return;

@@ -1,5 +1,7 @@
 #include "output/export/MagickWriter.h"
 
+#include "platform/core/Logging.h"
+
 #include <Magick++.h>
 #include <QCoreApplication>
 #include <mutex>
@@ -90,7 +92,8 @@ QByteArray encode(const QImage &picture, ExportFormat format, const ExporterSett
         Magick::Blob blob;
         img.write(&blob);
         return QByteArray(static_cast<const char *>(blob.data()), qsizetype(blob.length()));
-    } catch (const std::exception &) {
+    } catch (const std::exception &e) {
+        qCWarning(lcOutput) << "ImageMagick could not encode the picture:" << e.what();
         return {};
     }
 }

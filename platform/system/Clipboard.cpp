@@ -1,5 +1,6 @@
 #include "platform/system/Clipboard.h"
 
+#include "platform/core/Logging.h"
 #include "platform/core/X11Connection.h"
 
 #include <QBuffer>
@@ -90,6 +91,7 @@ bool Clipboard::readThroughX11()
     if (best.isEmpty()) return true;
     m_bytes = xclipOut(QString::fromLatin1(best), deadline);
     m_available = !m_bytes.isEmpty();
+    qCDebug(lcCapture) << "clipboard offers" << best << "," << m_bytes.size() << "bytes";
     return true;
 }
 
