@@ -106,12 +106,18 @@ def outer(bundle):
     try:
         os.makedirs(f"{tmp}/bin")
         os.makedirs(f"{tmp}/runtime", mode=0o700)
+        # The backends a sway desktop has: a KDE backend installed beside them would answer for what
+        # wlr lacks (GlobalShortcuts) and can't work here.
+        os.makedirs(f"{tmp}/portals")
+        for name in ("wlr.portal", "gtk.portal"):
+            shutil.copy(f"/usr/share/xdg-desktop-portal/portals/{name}", f"{tmp}/portals")
         for f in ("sway_e2e.py", "harness.py"):
             shutil.copy(os.path.join(os.path.dirname(os.path.abspath(__file__)), f), tmp)
         shutil.copytree(bundle, f"{tmp}/Vantrel.app", symlinks=True)
         subprocess.run(["chown", "-R", "-h", f"{owner.pw_uid}:{owner.pw_gid}", tmp], check=True)
         env = {"HOME": owner.pw_dir, "XDG_RUNTIME_DIR": f"{tmp}/runtime", "SWAY_TEST_DIR": tmp, "LANG": "C.UTF-8",
-               "XDG_CURRENT_DESKTOP": "sway", "PATH": f"{tmp}/bin:/usr/local/bin:/usr/bin:/bin"}
+               "XDG_CURRENT_DESKTOP": "sway", "XDG_DESKTOP_PORTAL_DIR": f"{tmp}/portals",
+               "PATH": f"{tmp}/bin:/usr/local/bin:/usr/bin:/bin"}
         sys.exit(subprocess.run(run_as + ["env", "-i"] + [f"{k}={v}" for k, v in env.items()] +
                                 ["dbus-run-session", "--", "/usr/bin/python3", f"{tmp}/sway_e2e.py", "--inner"],
                                 timeout=240).returncode)
