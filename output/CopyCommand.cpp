@@ -2,6 +2,7 @@
 // runs; at quit Qt hands it to a clipboard manager where one runs.
 
 #include "editor/Window1.h"
+#include "output/ClipboardPicture.h"
 
 #include "platform/framework/Services.h"
 #include "prefs/Preferences.h"
@@ -14,7 +15,8 @@
 
 void Window1::ToolbarItem1_Action()
 {
-    QGuiApplication::clipboard()->setImage(getoutputimage());
+    QGuiApplication::clipboard()->setMimeData(
+        output::clipboardPicture(getoutputimage(), captionText->text()));
     if (!services().shiftKeyDown()) Hide();
     Preferences &prefs = Preferences::module();
     prefs.prefaddstringvalue(PrefKeys::LastScale, scaleField->text());

@@ -53,6 +53,7 @@ void Window1::MailTB_Action()
     }
     settingsStep(false);
     exporter->InputPicture = getoutputimage();
+    exporter->Description = captionText->text();
     exporter->OutputFile = file;
     exporter->OutputFileMustBeNew = true;
     [[maybe_unused]] const int status =

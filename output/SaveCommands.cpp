@@ -54,6 +54,7 @@ void Window1::SaveTB_Action()
     };
     exporter->OutputFile = freeName();
     exporter->InputPicture = getoutputimage();
+    exporter->Description = captionText->text();
     // A file that took the name meanwhile is never replaced: the picture goes under the next
     // free name.
     exporter->OutputFileMustBeNew = true;
@@ -76,6 +77,7 @@ void Window1::SaveasTB_Action()
         output::saveAsSuggestion(exporter->GetDefaultFileNameExtension()));
     if (chosen.isEmpty()) return;
     exporter->InputPicture = getoutputimage();
+    exporter->Description = captionText->text();
     exporter->OutputFile = chosen;
     exporter->OutputFileMustBeNew = false;
     [[maybe_unused]] const int status = exporter->Export();
