@@ -8,6 +8,7 @@ public:
     QImage outputImage() override;
     QImage capture() override;
     QString scaleText() override;
+    QString caption() override;
     QWidget *window() override;
     void hide() override;
 };

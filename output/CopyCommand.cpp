@@ -3,6 +3,7 @@
 
 #include "output/Commands.h"
 
+#include "output/ClipboardPicture.h"
 #include "output/Source.h"
 #include "platform/core/Logging.h"
 #include "platform/framework/Services.h"
@@ -18,7 +19,7 @@ namespace output {
 void Commands::ToolbarItem1_Action()
 {
     const QImage picture = m_source.outputImage();
-    QGuiApplication::clipboard()->setImage(picture);
+    QGuiApplication::clipboard()->setMimeData(clipboardPicture(picture, m_source.caption()));
     qCDebug(lcOutput) << "Copy put a picture of" << picture.size() << "on the clipboard";
     if (!m_services.shiftKeyDown()) m_source.hide();
     m_prefs.prefaddstringvalue(PrefKeys::LastScale, m_source.scaleText());

@@ -54,6 +54,7 @@ void Commands::MailTB_Action()
     }
     settingsStep(false);
     exporter->InputPicture = m_source.outputImage();
+    exporter->Description = m_source.caption();
     exporter->OutputFile = file;
     exporter->OutputFileMustBeNew = true;
     logExport("E-Mail", exportUnderFreeName(*exporter, [&] { exporter->OutputFile = file = freeName(); }));

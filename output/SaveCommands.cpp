@@ -26,6 +26,7 @@ void Commands::SaveTB_Action()
     };
     exporter->OutputFile = freeName();
     exporter->InputPicture = m_source.outputImage();
+    exporter->Description = m_source.caption();
     // A file that took the name meanwhile is never replaced: the picture goes under the next
     // free name.
     exporter->OutputFileMustBeNew = true;
@@ -47,6 +48,7 @@ void Commands::SaveasTB_Action()
         output::saveAsSuggestion(exporter->GetDefaultFileNameExtension()));
     if (chosen.isEmpty()) return;
     exporter->InputPicture = m_source.outputImage();
+    exporter->Description = m_source.caption();
     exporter->OutputFile = chosen;
     exporter->OutputFileMustBeNew = false;
     logExport("Save as", exporter->Export());

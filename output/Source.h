@@ -1,7 +1,7 @@
 #pragma once
 // What the outputs need of the editor they serve: the picture that leaves it, the capture for
-// printing, the scale field's text for the stored last scale, the window for dialogs, and hiding
-// it. The composition root hands the editor over through this.
+// printing, the scale field's text for the stored last scale, the caption, the window for
+// dialogs, and hiding it. The composition root hands the editor over through this.
 
 #include <QImage>
 #include <QString>
@@ -18,6 +18,8 @@ public:
     // The capture at full size, as taken; nil before the first one.
     virtual QImage capture() = 0;
     virtual QString scaleText() = 0;
+    // The caption's text, which the files and the clipboard's PNG carry as their description.
+    virtual QString caption() = 0;
     virtual QWidget *window() = 0;
     virtual void hide() = 0;
 };

@@ -1,8 +1,10 @@
 #include "output/export/GraphicsExporter.h"
 
+#include "output/export/ImageMetadata.h"
+#include "output/export/MagickWriter.h"
 #include "platform/files/AtomicFile.h"
 #include "platform/framework/Application.h"
-#include "output/export/MagickWriter.h"
+#include "platform/framework/Application.h"
 
 #include <QBuffer>
 #include <QImageWriter>
@@ -66,16 +68,6 @@ int qtPngCompression(int zlibLevel) { return (zlibLevel * 91 + 8) / 9; }
 // 4K), so it is written into the file's header instead.
 constexpr quint32 kDotsPerInch = 72, kDotsPerMeter = 2835;
 
-quint32 crc32(const char *data, int len)
-{
-    quint32 c = 0xffffffffu;
-    for (int i = 0; i < len; ++i) {
-        c ^= quint8(data[i]);
-        for (int k = 0; k < 8; ++k) c = (c >> 1) ^ (0xedb88320u & (0u - (c & 1u)));
-    }
-    return ~c;
-}
-
 void putBigEndian(QByteArray &b, int at, quint32 v, int bytes)
 {
     for (int i = 0; i < bytes; ++i) b[at + i] = char(v >> (8 * (bytes - 1 - i)));
@@ -91,13 +83,11 @@ void stampResolution(QByteArray &file, ExportFormat f)
         for (int at : {38, 42})
             for (int i = 0; i < 4; ++i) file[at + i] = char(kDotsPerMeter >> (8 * i));
     } else if (f == ExportFormat::PNG && file.size() > 33 && file.mid(12, 4) == "IHDR") {
-        QByteArray chunk(21, '\0'); // length, "pHYs", x, y, unit (metre), CRC
-        putBigEndian(chunk, 0, 9, 4);
-        chunk.replace(4, 4, "pHYs");
-        putBigEndian(chunk, 8, kDotsPerMeter, 4);
-        putBigEndian(chunk, 12, kDotsPerMeter, 4);
-        chunk[16] = 1;
-        putBigEndian(chunk, 17, crc32(chunk.constData() + 4, 13), 4);
+        QByteArray xyUnit(9, '\0'); // x, y, unit (metre)
+        putBigEndian(xyUnit, 0, kDotsPerMeter, 4);
+        putBigEndian(xyUnit, 4, kDotsPerMeter, 4);
+        xyUnit[8] = 1;
+        const QByteArray chunk = metadata::pngChunk("pHYs", xyUnit);
         // Qt writes one from the picture's own resolution: replace it, or add one after the
         // header chunk.
         for (qsizetype at = 8; at + 12 <= file.size();) {
@@ -171,7 +161,7 @@ ExportStatus GraphicsExporter::Export()
     if (Application::ending()) return ExportStatus::Ending;
     if (m_format == ExportFormat::None) return ExportStatus::NoFormat;
     if (OutputFile.isEmpty()) return ExportStatus::NoFile;
-    const QByteArray bytes = encodeCached(InputPicture);
+    const QByteArray bytes = metadata::withDescription(encodeCached(InputPicture), m_format, Description);
     if (bytes.isEmpty()) return ExportStatus::NotEncoded;
     NewFileResult result = NewFileResult::Failed;
     if (!OutputFileMustBeNew)

@@ -41,6 +41,9 @@ public:
     QString GetDefaultFileNameExtension() const;
 
     QImage InputPicture;
+    // The picture's description (the caption), written into the formats that hold one; empty
+    // for none.
+    QString Description;
     QString OutputFile;
     // When set, Export never replaces anything at OutputFile and answers NameTaken instead.
     bool OutputFileMustBeNew = false;

@@ -18,10 +18,13 @@ class OutputTest(E2ETestCase):
         wid = s.open_editor(s.picture("a.png", "320x200", "xc:#c04030"))
         self.assertTrue(self.a11y.press(s, "Preset scales"))
         s.key("Down", "Down", "Down", "Return")  # its third row: 50
+        self.a11y.find("text", "Caption").queryComponent().grabFocus()
+        s.run("xdotool", "type", "Half size")
         time.sleep(0.3)
         self.assertTrue(self.a11y.press(s, "Copy"))
-        # The editor hides; the resident program keeps serving the picture.
+        # The editor hides; the resident program keeps serving the picture, the caption its description.
         self.assertTrue(wait_for(lambda: not s.mapped(wid) and s.size_of(s.clipboard_png()) == "160x100", 3.0))
+        self.assertEqual(s.run("exiftool", "-s3", "-PNG:Description", s.clipboard_png()).stdout, "Half size\n")
 
     def test_email_hands_each_mail_program_an_awkward_path_intact(self):
         s = self.s

@@ -1,7 +1,9 @@
 #!/usr/bin/python3
 """Reads an image file with readers that did not write it (PIL; ImageMagick's command line only
-for PICT, which PIL can't read) and prints what the file really holds, as JSON: format, size, dpi,
-compression and its settings, and the mean difference per channel against a reference picture."""
+for PICT, which PIL can't read; exiftool) and prints what the file really holds, as JSON: format,
+size, dpi, compression and its settings, the description each reader finds, a digest of the decoded
+pixels and the mean difference per channel against a reference picture."""
+import hashlib
 import io
 import json
 import struct
@@ -39,7 +41,17 @@ def main(path, reference):
         out.update(quality=jpeg_quality(im), progressive=bool(im.info.get("progressive") or im.info.get("progression")))
     out.update(size=list(im.size), interlaced=bool(im.info.get("interlace")), compression=im.info.get("compression"),
                top_left=im.info.get("orientation") == 1, bytes=len(data))
+    tags = json.loads(subprocess.run(["exiftool", "-j", "-G1", "-ImageDescription", "-Description", path],
+                                     capture_output=True).stdout or "[{}]")[0]
+    found = {r: tags[t] for t, r in (("IFD0:ImageDescription", "exif"), ("XMP-dc:Description", "xmp"),
+                                     ("PNG:Description", "png")) if t in tags}
+    if im.format == "PNG" and "Description" in im.info:
+        found["pil"] = im.info["Description"]
+    if data.endswith(b"TRUEVISION-XFILE.\0"):  # Targa's extension area: comments of four 81-byte lines
+        at = struct.unpack("<I", data[-26:-22])[0] + 43
+        found["tga"] = b"".join(data[at + 81 * i:at + 81 * i + 81].split(b"\0")[0] for i in range(4)).decode()
     got, ref = im.convert("RGB"), Image.open(reference).convert("RGB")
+    out.update(description=found, pixels=hashlib.sha1(got.tobytes()).hexdigest())
     if got.size == ref.size:
         out["difference"] = sum(abs(x - y) for x, y in zip(got.tobytes(), ref.tobytes())) / len(got.tobytes())
     print(json.dumps(out))

@@ -29,6 +29,11 @@ QJsonObject readBack(const QString &file, const QImage &expected)
     if (p.exitCode() != 0) qWarning() << p.readAllStandardError();
     return QJsonDocument::fromJson(p.readAllStandardOutput()).object();
 }
+
+QJsonValue descriptionIn(const QString &file, const QString &reader)
+{
+    return readBack(file, patternImage(2, 2))["description"].toObject()[reader];
+}
 } // namespace
 
 class OutputTest : public QObject {
@@ -83,6 +88,47 @@ private slots:
         }
     }
 
+    // The caption goes into each format as its description, as other readers find it (Targa's
+    // comments hold 320 bytes); nothing else in the file changes.
+    void caption_isEachFormatsDescription_andChangesNothingElse()
+    {
+        const QString captions[] = {"A plain caption", "Zürich — 東京 🚀",
+                                    QString("Zürich & <b> «東京» x|").repeated(100)}; // 2,000
+        // The readers that find it, by format row.
+        const QString readers[] = {"exif xmp", "exif xmp", "", "xmp", "pil png", "", "tga"};
+        TestProgram t;
+        Window1 &w = t.capture(screenLike(160, 100));
+        w.captionText->setText("Caption");
+        for (int row = 0; row < 7; ++row) {
+            prefwin::instance().PopupMenu1->setCurrentIndex(row);
+            fw::GraphicsExporter &e = *t.commands().exporter;
+            e.InputPicture = w.getoutputimage();
+            e.OutputFile = t.home.path() + "/plain." + e.GetDefaultFileNameExtension();
+            e.Description.clear();
+            QCOMPARE(e.Export(), fw::ExportStatus::Written);
+            QJsonObject plain = readBack(e.OutputFile, e.InputPicture);
+            const QJsonValue plainBytes = plain.take("bytes");
+            QCOMPARE(plain.take("description").toObject(), QJsonObject());
+            for (const QString &caption : captions) {
+                e.Description = caption;
+                e.OutputFile = t.home.path() + "/described." + e.GetDefaultFileNameExtension();
+                QCOMPARE(e.Export(), fw::ExportStatus::Written);
+                QJsonObject got = readBack(e.OutputFile, e.InputPicture);
+                const QJsonObject found = got.take("description").toObject();
+                QCOMPARE(found.keys().join(' '), readers[row]);
+                for (const QJsonValue &value : found) {
+                    const QString v = value.toString(); // Targa's may be the first 320 bytes
+                    QVERIFY2(caption.startsWith(v) && v.size() >= qMin(caption.size(), 200),
+                             qPrintable(v));
+                    QVERIFY(v == caption || found.contains("tga"));
+                }
+                // Pixels, size, dpi and settings as read are the same; BMP and PICT get nothing.
+                QCOMPARE(got.take("bytes") == plainBytes, readers[row].isEmpty());
+                QCOMPARE(got, plain);
+            }
+        }
+    }
+
     // Another format's settings, garbage and values out of range give the defaults; a picture
     // beyond ImageMagick's limits never reaches it.
     void exporter_refusesWhatItCannotDo()
@@ -116,8 +162,9 @@ private slots:
         TestProgram t;
         t.confirmSettings = false; // a cancelled settings dialog still writes and stores
         Window1 &w = t.capture();
+        w.captionText->setText("Saved");
         t.commands().SaveTB_Action();
-        QVERIFY(QFile::exists(t.home.path() + "/Desktop/Capture.jpg"));
+        QCOMPARE(descriptionIn(t.home.path() + "/Desktop/Capture.jpg", "xmp"), QJsonValue("Saved"));
         QVERIFY(!w.isVisible());
         QVERIFY(t.commands().exporter->OutputFileMustBeNew); // never over a file that arrived meanwhile
         t.capture();
@@ -142,9 +189,11 @@ private slots:
         QVERIFY(!t.stored(PrefKeys::LastFormat.str()));
         t.saveAsAnswer = t.home.path() + "/chosen name.png"; // any extension; Photoshop is written
         t.shiftDown = true;
+        w.captionText->setText("Chosen");
         t.commands().SaveasTB_Action();
         QVERIFY(w.isVisible());
         QCOMPARE(readFile(t.saveAsAnswer).left(4), QByteArray("8BPS"));
+        QCOMPARE(descriptionIn(t.saveAsAnswer, "xmp"), QJsonValue("Chosen"));
         QCOMPARE(t.stored(PrefKeys::LastFormat.str())->toString(), QString("Photoshop"));
     }
 
@@ -158,8 +207,10 @@ private slots:
         QFile::link(precious, t.home.path() + "/tmp/vtp1");
         QFile::link(t.home.path() + "/nowhere", t.home.path() + "/tmp/vtp2"); // dangling
         Window1 &w = t.capture();
+        w.captionText->setText("Mailed");
         t.commands().MailTB_Action();
         QVERIFY(!w.isVisible() && t.commands().exporter->OutputFileMustBeNew);
+        QCOMPARE(descriptionIn(t.home.path() + "/tmp/vtp3", "exif"), QJsonValue("Mailed"));
         QCOMPARE(t.runner->calls.last(), (QStringList{t.bundlePath() + "/Contents/Resources/Scripts/168", t.home.path() + "/tmp/vtp3"}));
         t.capture();
         t.shiftDown = true;
@@ -206,6 +257,8 @@ private slots:
         QVERIFY(w.isVisible());
         QCOMPARE(QGuiApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
                  w.getoutputimage().convertToFormat(QImage::Format_RGB32));
+        const QByteArray png = QGuiApplication::clipboard()->mimeData()->data("image/png");
+        QVERIFY(png.contains(QByteArray("Description\0\0\0\0\0Hello", 21)));
         QCOMPARE(t.stored(PrefKeys::Settings.str())->toString(), QString::fromUtf8(t.session->settings));
         QCOMPARE(t.stored(PrefKeys::LastScale.str())->toString(), QString("50"));
         t.shiftDown = false;
