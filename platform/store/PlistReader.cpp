@@ -101,7 +101,7 @@ public:
                 return false;
             }
             size_t refs = 0, children = 0;
-            if (!object_at(object, &refs, &children)) return false;
+            if (!objectAt(object, &refs, &children)) return false;
             m_done[object].depth = -1; // on the path
             path.push_back({object, refs, 0, children, 1, 1});
             return true;
@@ -135,9 +135,10 @@ public:
     }
 
 private:
+    // An object's levels and values; depth 0: not seen yet, -1: on the path being walked.
     struct Done {
         int depth, nodes;
-    }; // depth 0: not seen yet, -1: on the path
+    };
 
     bool refuse(const char *why)
     {
@@ -160,7 +161,7 @@ private:
 
     // Where an object's references start and how many there are (keys and values for a
     // dictionary); a string's text is checked for NUL here. False when refused.
-    bool object_at(size_t object, size_t *refs, size_t *children)
+    bool objectAt(size_t object, size_t *refs, size_t *children)
     {
         const uint64_t at = number(m_table + object * m_offsetSize, m_offsetSize);
         if (at < 8 || at >= m_table) return refuse("an object outside the table");
