@@ -60,22 +60,16 @@ static QString effectiveFile(const QString &bundlePath)
     return !writable(own) && QFileInfo::exists(copy) ? copy : own;
 }
 
-// The property list parsed, or null when a step of the path is missing or the data doesn't
-// parse. A top level that is not a dictionary fails the checked cast.
+// The property list parsed, or null when a step of the path is missing or the file is not one
+// the reader takes. A top level that is not a dictionary fails the checked cast.
 static fw::PlistPtr readDictionary(const QString &bundlePath, QString *file)
 {
     *file = effectiveFile(bundlePath);
     if (file->isEmpty()) return nullptr;
-    QFile f(*file);
-    if (!f.open(QIODevice::ReadOnly)) return nullptr;
-    const QByteArray data = f.readAll();
-    f.close();
-    plist_t node = nullptr;
-    if (!data.isEmpty() && data.size() < 0x7fffffff)
-        plist_from_memory(data.constData(), uint32_t(data.size()), &node);
-    fw::PlistPtr root(node);
-    if (root && plist_get_node_type(node) != PLIST_DICT) throw fw::IllegalCastException();
-    return root;
+    fw::plistfile::Loaded loaded = fw::plistfile::read(*file);
+    if (loaded.root && plist_get_node_type(loaded.root.get()) != PLIST_DICT)
+        throw fw::IllegalCastException();
+    return std::move(loaded.root);
 }
 
 static bool numberValue(plist_t node, qint64 *out)

@@ -61,9 +61,10 @@ pid_t writerOf(const QString &fileName)
     return ok && pid > 0 ? pid_t(pid) : 0;
 }
 
-// Removes what writers that are gone left in the folder. This process writes one file at a
-// time, so a file of its own pid is a leftover too (of an earlier process with the same pid).
-void removeLeftovers(const QString &folder)
+} // namespace
+
+// A file of this process's own pid is a leftover of an earlier process with the same pid.
+void removeTemporaryLeftovers(const QString &folder)
 {
     const QStringList names =
         QDir(folder).entryList(QStringList{QStringLiteral(".*") + kMarker + "*"},
@@ -76,11 +77,13 @@ void removeLeftovers(const QString &folder)
     }
 }
 
+namespace {
+
 // A synced temporary file holding the bytes, beside the target; empty on failure.
 QByteArray writeTemporary(const QFileInfo &target, const QByteArray &bytes, int mode, uid_t uid,
                           gid_t gid, bool *ownerKept)
 {
-    removeLeftovers(target.absolutePath());
+    removeTemporaryLeftovers(target.absolutePath());
     QByteArray tmpl = QFile::encodeName(target.absolutePath() + "/." + target.fileName() + kMarker +
                                         QString::number(::getpid()) + ".XXXXXX");
     const int fd = ::mkstemp(tmpl.data());

@@ -22,5 +22,8 @@ NewFileResult writeNewFile(const QString &path, const QByteArray &bytes);
 
 // Whether a name in a folder is one of our temporary files (for tests and listings).
 bool isTemporaryName(const QString &fileName);
+// Removes the temporary files that writers no longer running left in the folder. This process
+// writes one file at a time: between writes, its own are leftovers too.
+void removeTemporaryLeftovers(const QString &folder);
 
 } // namespace fw

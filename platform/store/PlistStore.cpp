@@ -1,14 +1,20 @@
 #include "platform/store/PlistStore.h"
 
 #include "platform/files/AtomicFile.h"
+#include "platform/store/PlistReader.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLoggingCategory>
 #include <plist/plist.h>
 
 namespace fw {
+
+namespace {
+Q_LOGGING_CATEGORY(lcStore, "vantrel.store")
+}
 
 void PlistDeleter::operator()(void *p) const
 {
@@ -17,31 +23,38 @@ void PlistDeleter::operator()(void *p) const
 
 namespace plistfile {
 
-Loaded load(const QString &path)
+Loaded read(const QString &path)
 {
     Loaded out;
-    QFile f(path);
-    if (!f.exists()) return out;
-    if (!f.open(QIODevice::ReadOnly)) {
-        out.state = State::Corrupt;
-        return out;
-    }
-    const QByteArray bytes = f.readAll();
     plist_t node = nullptr;
-    if (!bytes.isEmpty() && bytes.size() < 0x7fffffff)
-        plist_from_memory(bytes.constData(), static_cast<uint32_t>(bytes.size()), &node);
-    if (!node || plist_get_node_type(node) != PLIST_DICT) {
-        if (node) plist_free(node);
-        out.state = State::Corrupt;
-        return out;
-    }
-    out.state = State::Ok;
+    const char *why = nullptr;
+    const auto outcome = plistread::readFile(QFile::encodeName(path).constData(), &node, &why);
     out.root.reset(node);
+    if (outcome == plistread::Outcome::Ok) out.state = State::Ok;
+    if (outcome == plistread::Outcome::Refused) {
+        qCDebug(lcStore) << "unreadable:" << path << why;
+        out.state = State::Corrupt;
+    }
+    return out;
+}
+
+Loaded load(const QString &path)
+{
+    Loaded out = read(path);
+    if (out.state == State::Ok && plist_get_node_type(out.root.get()) != PLIST_DICT) {
+        out.root.reset();
+        out.state = State::Corrupt;
+    }
     return out;
 }
 
 bool writeAtomically(const QString &path, void *node, int mode)
 {
+    // The writer recurses once per level: nothing deeper than the reader takes back.
+    if (const char *why = plistread::outsideLimits(plistread::scanTree(node))) {
+        qCWarning(lcStore) << "not written:" << path << why;
+        return false;
+    }
     char *xml = nullptr;
     uint32_t len = 0;
     plist_to_xml(static_cast<plist_t>(node), &xml, &len);
@@ -61,6 +74,8 @@ void PlistStore::ensureLoaded()
 {
     if (m_loaded) return;
     m_loaded = true;
+    // What a writer killed in the middle of a write left goes at the start, not at the next write.
+    removeTemporaryLeftovers(QFileInfo(m_path).absolutePath());
     auto loaded = plistfile::load(m_path);
     m_dict = loaded.state == plistfile::State::Ok ? std::move(loaded.root)
                                                     : PlistPtr(plist_new_dict());
@@ -100,6 +115,7 @@ bool PlistStore::synchronize()
             const QString aside =
                 m_path + ".unreadable-" + QDateTime::currentDateTimeUtc().toString("yyyyMMddThhmmss");
             QFile::rename(m_path, aside);
+            qCWarning(lcStore) << "unreadable, kept as" << aside;
         }
         QDir().mkpath(QFileInfo(m_path).absolutePath()); // a first start: no config folder yet
         ok = plistfile::writeAtomically(m_path, merged.get());

@@ -17,7 +17,8 @@ struct PlistDeleter {
 };
 using PlistPtr = std::unique_ptr<void, PlistDeleter>;
 
-// Reading and writing a property-list file. Binary and XML layouts are read; XML is written.
+// Reading and writing a property-list file. Binary and XML layouts are read, through the checks
+// of PlistReader.h (a file failing one is Corrupt); XML is written.
 namespace plistfile {
 enum class State { Missing, Ok, Corrupt };
 struct Loaded {
@@ -25,7 +26,10 @@ struct Loaded {
     PlistPtr root; // a dictionary when state is Ok
 };
 Loaded load(const QString &path);
+// The same with a top level of any type.
+Loaded read(const QString &path);
 // Writes the node as XML, replacing the file whole (see AtomicFile.h); mode 0600 when negative.
+// A tree the reader would refuse is not written.
 bool writeAtomically(const QString &path, void *node, int mode = -1);
 } // namespace plistfile
 

@@ -1,6 +1,7 @@
 #include "platform/store/Value.h"
 
 #include "platform/core/Failure.h"
+#include "platform/store/PlistReader.h"
 
 #include <QStringDecoder>
 #include <cstdlib>
@@ -68,8 +69,7 @@ plist_t StoreValue::toNode() const
         return dict;
     }
     case Kind::Other: {
-        plist_t node = nullptr;
-        plist_from_xml(m_data.constData(), static_cast<uint32_t>(m_data.size()), &node);
+        plist_t node = plistread::parse(m_data.constData(), size_t(m_data.size()));
         return node ? node : plist_new_string("");
     }
     }
