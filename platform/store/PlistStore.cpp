@@ -55,12 +55,8 @@ bool writeAtomically(const QString &path, void *node, int mode)
         qCWarning(lcStore) << "not written:" << path << why;
         return false;
     }
-    char *xml = nullptr;
-    uint32_t len = 0;
-    plist_to_xml(static_cast<plist_t>(node), &xml, &len);
-    if (!xml) return false;
-    const QByteArray bytes(xml, qsizetype(len));
-    plist_to_xml_free(xml);
+    const QByteArray bytes = plistXml(node);
+    if (bytes.isEmpty()) return false;
     // Preferences are private to the user unless told otherwise.
     return writeFileReplacing(path, bytes, mode < 0 ? 0600 : mode);
 }

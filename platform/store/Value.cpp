@@ -39,14 +39,21 @@ QUrl StoreValue::toUrl() const
     return m_url;
 }
 
-QByteArray StoreValue::XML() const
+QByteArray plistXml(plist_t node)
 {
-    plist_t node = toNode();
     char *xml = nullptr;
     uint32_t len = 0;
     plist_to_xml(node, &xml, &len);
+    if (!xml) return {};
     QByteArray out(xml, static_cast<qsizetype>(len));
     plist_to_xml_free(xml);
+    return out;
+}
+
+QByteArray StoreValue::XML() const
+{
+    plist_t node = toNode();
+    const QByteArray out = plistXml(node);
     plist_free(node);
     return out;
 }
@@ -74,16 +81,6 @@ plist_t StoreValue::toNode() const
     }
     }
     return nullptr;
-}
-
-static QByteArray nodeXml(plist_t node)
-{
-    char *xml = nullptr;
-    uint32_t len = 0;
-    plist_to_xml(node, &xml, &len);
-    QByteArray out(xml, static_cast<qsizetype>(len));
-    plist_to_xml_free(xml);
-    return out;
 }
 
 StoreObject StoreValue::fromNode(plist_t node)
@@ -131,7 +128,7 @@ StoreObject StoreValue::fromNode(plist_t node)
         break;
     }
     std::shared_ptr<StoreValue> v(new StoreValue(Kind::Other));
-    v->m_data = nodeXml(node);
+    v->m_data = plistXml(node);
     return v;
 }
 

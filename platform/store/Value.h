@@ -61,6 +61,9 @@ StoreObject NewCFNumberInteger(qint64 value);
 StoreObject NewCFBinaryData(const QByteArray &bytes);
 StoreObject NewCFURL(const QUrl &url);
 
+// A property-list node as the XML text of a property list; empty when it can't be written.
+QByteArray plistXml(plist_t node);
+
 // How a URL is kept in a property list, which has no URL type of its own.
 inline constexpr const char *kUrlDictKey = "CFURL";
 
