@@ -1,7 +1,9 @@
 #include "platform/hotkeys/PortalHotKeyService.h"
 
+#include "platform/desktop/LaunchCommand.h"
 #include "platform/portal/PortalRequest.h"
 
+#include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -76,9 +78,11 @@ int PortalHotKeyService::AsciiToKeyCode(int ascii)
 QString PortalHotKeyService::unboundHint() const
 {
     if (m_bound) return {};
-    return QStringLiteral(
-        "To capture from the keyboard, bind the command \"Vantrel --capture\" to a key "
-        "in your desktop's keyboard settings.");
+    const QString program = launchCommand(QCoreApplication::applicationFilePath(),
+                                          qEnvironmentVariable("PATH").split(QLatin1Char(':')));
+    return QStringLiteral("To capture from the keyboard, bind the command \"%1 --capture\" to a "
+                          "key in your desktop's keyboard settings.")
+        .arg(program);
 }
 
 void PortalHotKeyService::AddKey(int keycode, int modifiers, quint32 signature, int id)
