@@ -95,12 +95,6 @@ class PortalTest(E2ETestCase):
         self.assertEqual(self.calls("BindShortcuts"), [], "kept from the session: never bound again")
         self.assertEqual(self.preferences_height(), 219, "no hint: the desktop gave the key")
 
-        # A later start of the resident program asks under the same token.
-        subprocess.run([exe(), "--quit"], env=s.env, timeout=10)
-        self.assertEqual(s.wait_exit(5), 0)
-        s.start()
-        created = wait_for(lambda: len(self.calls("CreateSession")) == 2 and self.calls("CreateSession"), 5.0)
-        self.assertEqual(created[1][3]["session_handle_token"], "vantrel")
 
     def test_without_a_portal_later_starts_hand_over_and_preferences_give_the_hint(self):
         s = self.s

@@ -212,9 +212,8 @@ private slots:
         for (const char *dir : {"a b", "old", "bin"}) QDir(d.path()).mkdir(dir);
         for (const QString &f : {me, old}) QFile(f).open(QIODevice::WriteOnly), QFile::setPermissions(f, QFile::ExeOwner);
         QFile::link(me, d.filePath("bin/vantrel")), QFile::link(old, d.filePath("old/vantrel"));
-        const QList<std::tuple<QString, QString, QString>> cases = {
-            {me, "bin", "vantrel"}, {me, "old:bin", "'" + me + "'"}, {old, "old", "vantrel"}, {old, "bin:old", old}};
-        for (const auto &[program, dirs, command] : cases)
+        for (const auto &[program, dirs, command] : QList<std::tuple<QString, QString, QString>>{
+                 {me, "bin", "vantrel"}, {me, "old:bin", "'" + me + "'"}, {old, "old", "vantrel"}, {old, "bin:old", old}})
             QCOMPARE(fw::launchCommand(program, dirs.split(':').replaceInStrings(QRegularExpression("^"), d.path() + "/")), command);
     }
 
