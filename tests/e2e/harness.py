@@ -293,8 +293,8 @@ def script(path, body):
 
 
 def wayland_main(desktop, needs, start, names):
-    """Runs the suite again (--inner) as an ordinary user (compositors refuse root) with a bus and a copy of
-    the bundle in TMP; there start()'s desktop writes its environment to TMP/env, then the tests run."""
+    """Runs the suite again (--inner) as an ordinary user (compositors refuse root) with a bus, a home and a
+    copy of the bundle in TMP; there start()'s desktop writes its environment to TMP/env, then the tests run."""
     if "--inner" in sys.argv:
         daemons = start()
         try:
@@ -314,12 +314,12 @@ def wayland_main(desktop, needs, start, names):
         run_as, owner = ["runuser", "-u", user, "--"], pwd.getpwnam(user)
     tmp = tempfile.mkdtemp(prefix="vantrel-wayland-")
     try:
-        os.makedirs(f"{tmp}/bin")
+        [os.makedirs(f"{tmp}/{d}") for d in ("bin", "home")]
         os.makedirs(f"{tmp}/runtime", mode=0o700)
         [shutil.copy(f, tmp) for f in (sys.argv[0], __file__)]
         shutil.copytree(sys.argv[sys.argv.index("--bundle") + 1], f"{tmp}/Vantrel.app", symlinks=True)
         subprocess.run(["chown", "-R", "-h", f"{owner.pw_uid}:{owner.pw_gid}", tmp], check=True)
-        env = {"HOME": owner.pw_dir, "XDG_RUNTIME_DIR": f"{tmp}/runtime", "E2E_DIR": tmp, "LANG": "C.UTF-8",
+        env = {"HOME": f"{tmp}/home", "XDG_RUNTIME_DIR": f"{tmp}/runtime", "E2E_DIR": tmp, "LANG": "C.UTF-8",
                "XDG_CURRENT_DESKTOP": desktop, "PATH": f"{tmp}/bin:/usr/local/bin:/usr/bin:/bin"}
         sys.exit(subprocess.run(run_as + ["env", "-i"] + [f"{k}={v}" for k, v in env.items()] + [
             "dbus-run-session", "--", "/usr/bin/python3", f"{tmp}/{os.path.basename(sys.argv[0])}", "--inner"],
