@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPalette>
+#include <QPointer>
 #include <QTimer>
 
 splash::splash(fw::Services &services, fw::WindowRegistry &registry) : fw::Window(services, registry)
@@ -84,8 +85,10 @@ void splash::ShowModal()
     if (m_closed) return;
     QEventLoop loop;
     m_loop = &loop;
+    // A capture made meanwhile (the key is live behind the splash) may close and delete it.
+    const QPointer<splash> alive(this);
     loop.exec();
-    m_loop = nullptr;
+    if (alive) m_loop = nullptr;
 }
 
 void splash::closeEvent(QCloseEvent *e)

@@ -99,7 +99,12 @@ void prefwin::showKeyHint()
     const QString hint = services().hotKeys->unboundHint();
     keyHint->setText(hint);
     keyHint->setVisible(!hint.isEmpty());
-    resize(width(), hint.isEmpty() ? 219 : 259);
+    // All of it shows: lines as many as the text needs, and wide enough for a long path.
+    int lineWidth = 319;
+    for (const QString &word : hint.split(QLatin1Char(' ')))
+        lineWidth = std::max(lineWidth, keyHint->fontMetrics().horizontalAdvance(word) + 2);
+    keyHint->resize(lineWidth, keyHint->heightForWidth(lineWidth));
+    resize(std::max(width(), lineWidth + 40), hint.isEmpty() ? 219 : 219 + keyHint->height());
 }
 
 void prefwin::openControls()

@@ -13,6 +13,7 @@ desktop-file-utils appstream lintian dpkg-dev dex libglib2.0-bin
 slop maim openbox xcompmgr wmctrl
 xdg-desktop-portal python3-dbus python3-dbusmock
 sway swaybg xwayland pipewire xdg-desktop-portal-wlr xdg-desktop-portal-gtk grim wtype
+kwin-wayland xdg-desktop-portal-kde qtwayland5
 fonts-dejavu-core
 clang-14 libclang-rt-14-dev"
 

@@ -1,14 +1,19 @@
 #include "platform/hotkeys/PortalHotKeyService.h"
 
+#include "platform/system/LaunchCommand.h"
 #include "platform/portal/PortalRequest.h"
 
+#include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusMetaType>
+#include <QDBusPendingCallWatcher>
+#include <QDBusServiceWatcher>
 
 namespace {
 
+const QString kPortal = QStringLiteral("org.freedesktop.portal.Desktop");
 const QString kObject = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString kInterface = QStringLiteral("org.freedesktop.portal.GlobalShortcuts");
 const QString kShortcutId = QStringLiteral("capture");
@@ -76,9 +81,11 @@ int PortalHotKeyService::AsciiToKeyCode(int ascii)
 QString PortalHotKeyService::unboundHint() const
 {
     if (m_bound) return {};
-    return QStringLiteral(
-        "To capture from the keyboard, bind the command \"Vantrel --capture\" to a key "
-        "in your desktop's keyboard settings.");
+    const QString program = launchCommand(QCoreApplication::applicationFilePath(),
+                                          qEnvironmentVariable("PATH").split(QLatin1Char(':')));
+    return QStringLiteral("To capture from the keyboard, bind the command \"%1 --capture\" to a "
+                          "key in your desktop's keyboard settings.")
+        .arg(program);
 }
 
 void PortalHotKeyService::AddKey(int keycode, int modifiers, quint32 signature, int id)
@@ -92,12 +99,68 @@ void PortalHotKeyService::AddKey(int keycode, int modifiers, quint32 signature, 
     QDBusConnection::sessionBus().connect(QString(), kObject, kInterface,
                                           QStringLiteral("Activated"), this,
                                           SLOT(onActivated(QDBusMessage)));
-    // The shortcuts go with the session: some desktops read them only there.
-    PortalRequest::start(
-        kInterface, QStringLiteral("CreateSession"), {},
-        {{QStringLiteral("session_handle_token"), QString::fromLatin1(kSessionToken)},
-         {QStringLiteral("shortcuts"), shortcuts()}},
-        this, [this](uint r, const QVariantMap &results) { sessionCreated(r, results); });
+    // The desktop's backend holds the session: when it or the portal goes away (a crash, an
+    // update), the key is dead until the session is opened again. The portal restarts in steps
+    // (frontend, backends): the session is opened once they have settled.
+    auto *watcher = new QDBusServiceWatcher(this);
+    watcher->setConnection(QDBusConnection::sessionBus());
+    const QString desktop =
+        qEnvironmentVariable("XDG_CURRENT_DESKTOP").section(QLatin1Char(':'), 0, 0);
+    watcher->setWatchedServices(
+        {kPortal, QStringLiteral("org.freedesktop.impl.portal.desktop.") + desktop.toLower()});
+    connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            &PortalHotKeyService::portalOwnerChanged);
+    m_reopen.setSingleShot(true);
+    m_reopen.setInterval(500);
+    connect(&m_reopen, &QTimer::timeout, this, &PortalHotKeyService::openSession);
+    openSession();
+}
+
+void PortalHotKeyService::portalOwnerChanged(const QString &name, const QString &before,
+                                             const QString &now)
+{
+    const bool gone = !before.isEmpty() && (m_opening || !m_session.isEmpty());
+    if (gone) {
+        // With it the session and any answer still awaited. The half of the portal that lived on
+        // may hold the old session for a moment and refuse new ones: a few tries, apart.
+        if (!m_session.isEmpty()) m_lostSession = std::exchange(m_session, {});
+        m_opening = false;
+        m_tries = 5;
+    }
+    // Or back after a start that found none.
+    if (gone || (name == kPortal && !now.isEmpty() && m_session.isEmpty())) m_reopen.start();
+}
+
+void PortalHotKeyService::openSession()
+{
+    if (m_opening || !m_session.isEmpty()) return;
+    m_opening = true;
+    // The shortcuts go with the session (some desktops read them only there), and the token
+    // stays the same, so that the desktop gives back the key it kept for it.
+    auto create = [this] {
+        PortalRequest::start(
+            kInterface, QStringLiteral("CreateSession"), {},
+            {{QStringLiteral("session_handle_token"), QString::fromLatin1(kSessionToken)},
+             {QStringLiteral("shortcuts"), shortcuts()}},
+            this, [this](uint r, const QVariantMap &results) {
+                m_opening = false;
+                if (r != kPortalDone && --m_tries > 0) return m_reopen.start();
+                m_tries = 0;
+                sessionCreated(r, results);
+            });
+    };
+    const QString lost = std::exchange(m_lostSession, {});
+    if (lost.isEmpty()) return create();
+    // A portal that lived on may still hold the old session under our token: it goes first.
+    auto *closing = new QDBusPendingCallWatcher(
+        QDBusConnection::sessionBus().asyncCall(QDBusMessage::createMethodCall(
+            kPortal, lost, QStringLiteral("org.freedesktop.portal.Session"),
+            QStringLiteral("Close"))),
+        this);
+    connect(closing, &QDBusPendingCallWatcher::finished, this, [closing, create] {
+        closing->deleteLater();
+        create();
+    });
 }
 
 QVariant PortalHotKeyService::shortcuts() const
@@ -111,9 +174,9 @@ QVariant PortalHotKeyService::shortcuts() const
 void PortalHotKeyService::sessionCreated(uint response, const QVariantMap &results)
 {
     // The interface may be exported with no backend behind it: only a success counts.
-    if (response != kPortalDone) return;
-    m_session = pathText(results.value(QStringLiteral("session_handle")));
-    if (m_session.isEmpty()) return;
+    if (response == kPortalDone)
+        m_session = pathText(results.value(QStringLiteral("session_handle")));
+    if (m_session.isEmpty()) return setBound(false);
     PortalRequest::start(
         kInterface, QStringLiteral("ListShortcuts"),
         {QVariant::fromValue(QDBusObjectPath(m_session))}, {}, this,
@@ -122,7 +185,7 @@ void PortalHotKeyService::sessionCreated(uint response, const QVariantMap &resul
 
 void PortalHotKeyService::shortcutsListed(uint response, const QVariantMap &results)
 {
-    if (response != kPortalDone) return;
+    if (response != kPortalDone) return setBound(false);
     QList<PortalShortcut> listed;
     const QVariant v = results.value(QStringLiteral("shortcuts"));
     if (v.canConvert<QDBusArgument>()) v.value<QDBusArgument>() >> listed;
@@ -131,6 +194,7 @@ void PortalHotKeyService::shortcutsListed(uint response, const QVariantMap &resu
     }
     // Not kept from the session's creation: bind it, once a start (a desktop may ask the user,
     // and one that opens its settings for this must not do so over and over).
+    if (std::exchange(m_bindAsked, true)) return setBound(false);
     PortalRequest::start(kInterface, QStringLiteral("BindShortcuts"),
                          {QVariant::fromValue(QDBusObjectPath(m_session)), shortcuts(), QString()},
                          {}, this,

@@ -4,10 +4,12 @@
 // windows had focus). The session is opened asynchronously under a stable token, so the desktop
 // recognises the program from one start to the next and keeps the key the user confirmed.
 // Where the portal is missing or refuses, nothing fires and unboundHint() says what to bind.
+// When the portal restarts, the session is opened again and the desktop gives the key back.
 
 #include "platform/hotkeys/HotKeyService.h"
 
 #include <QDBusMessage>
+#include <QTimer>
 #include <QVariantMap>
 #include <functional>
 
@@ -37,6 +39,8 @@ private slots:
     void onActivated(const QDBusMessage &signal);
 
 private:
+    void openSession();
+    void portalOwnerChanged(const QString &name, const QString &before, const QString &now);
     void sessionCreated(uint response, const QVariantMap &results);
     void shortcutsListed(uint response, const QVariantMap &results);
     QVariant shortcuts() const;
@@ -48,7 +52,12 @@ private:
     quint32 m_signature = 0;
     int m_id = 0;
     bool m_asked = false;
+    bool m_bindAsked = false;
+    bool m_opening = false;
+    int m_tries = 0;
     QString m_session;
+    QString m_lostSession;
+    QTimer m_reopen;
     bool m_bound = false;
 };
 

@@ -1,5 +1,6 @@
 #include "platform/store/PlistStore.h"
 
+#include "platform/core/Logging.h"
 #include "platform/files/AtomicFile.h"
 #include "platform/store/PlistReader.h"
 
@@ -7,14 +8,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QLoggingCategory>
 #include <plist/plist.h>
 
 namespace fw {
-
-namespace {
-Q_LOGGING_CATEGORY(lcStore, "vantrel.store")
-}
 
 void PlistDeleter::operator()(void *p) const
 {

@@ -4,6 +4,7 @@ screenshots and AT-SPI widgets of the real program."""
 
 import argparse
 import os
+import pwd
 import shutil
 import subprocess
 import sys
@@ -100,10 +101,7 @@ class Session:
 
     def fake_capture(self, script_body):
         """Installs a `screencapture` that records its argv and runs the given shell body."""
-        path = os.path.join(self.bin, "screencapture")
-        with open(path, "w") as f:
-            f.write(f'#!/bin/sh\necho "$@" >> "{self.tmp}/capture-calls"\n{script_body}\n')
-        os.chmod(path, 0o755)
+        script(os.path.join(self.bin, "screencapture"), f'echo "$@" >> "{self.tmp}/capture-calls"\n{script_body}\n')
 
     def capture_puts(self, file):
         self.fake_capture(f"xclip -selection clipboard -t image/png -i '{file}' </dev/null >/dev/null 2>&1")
@@ -282,6 +280,52 @@ class E2ETestCase(unittest.TestCase):
                                    200, 120)
         self.assertEqual(self.s.differing_pixels(shown, picture), 0)
         return x, y, w, h
+
+
+TMP = os.environ.get("E2E_DIR", "")  # a Wayland suite's folder, once it runs as its own user
+EXE = f"{TMP}/Vantrel.app/Contents/MacOS/Vantrel"
+
+
+def script(path, body):
+    with open(path, "w") as f:
+        f.write("#!/bin/sh\n" + body)
+    os.chmod(path, 0o755)
+
+
+def wayland_main(desktop, needs, start, names):
+    """Runs the suite again (--inner) as an ordinary user (compositors refuse root) with a bus, a home and a
+    copy of the bundle in TMP; there start()'s desktop writes its environment to TMP/env, then the tests run."""
+    if "--inner" in sys.argv:
+        daemons = start()
+        try:
+            if not wait_for(lambda: os.path.exists(f"{TMP}/env"), 20.0):
+                sys.exit(print(f"SKIPPED: {desktop} cannot run here\n{read(f'{TMP}/desktop.log')[-2000:]}") or 77)
+            os.environ.update(kv.split("=", 1) for kv in read(f"{TMP}/env").splitlines() if kv.split("=")[0] in names)
+            time.sleep(0.5)
+            sys.exit(0 if unittest.main(argv=sys.argv[:1], exit=False, verbosity=2).result.wasSuccessful() else 1)
+        finally:
+            [(d.terminate(), d.wait(5)) for d in reversed(daemons)]
+    if missing := [p for p in needs if not (shutil.which(p) or os.path.exists(p))]:
+        sys.exit(print(f"SKIPPED: the {desktop} road needs {', '.join(missing)}") or 77)
+    user, run_as, owner = "vantrel-e2e", [], pwd.getpwuid(os.geteuid())
+    if os.geteuid() == 0:
+        if subprocess.run(["id", user], capture_output=True).returncode:
+            subprocess.run(["useradd", "--system", "--create-home", "--home-dir", f"/var/lib/{user}", user], check=True)
+        run_as, owner = ["runuser", "-u", user, "--"], pwd.getpwnam(user)
+    tmp = tempfile.mkdtemp(prefix="vantrel-wayland-")
+    try:
+        [os.makedirs(f"{tmp}/{d}") for d in ("bin", "home")]
+        os.makedirs(f"{tmp}/runtime", mode=0o700)
+        [shutil.copy(f, tmp) for f in (sys.argv[0], __file__)]
+        shutil.copytree(sys.argv[sys.argv.index("--bundle") + 1], f"{tmp}/Vantrel.app", symlinks=True)
+        subprocess.run(["chown", "-R", "-h", f"{owner.pw_uid}:{owner.pw_gid}", tmp], check=True)
+        env = {"HOME": f"{tmp}/home", "XDG_RUNTIME_DIR": f"{tmp}/runtime", "E2E_DIR": tmp, "LANG": "C.UTF-8",
+               "XDG_CURRENT_DESKTOP": desktop, "PATH": f"{tmp}/bin:/usr/local/bin:/usr/bin:/bin"}
+        sys.exit(subprocess.run(run_as + ["env", "-i"] + [f"{k}={v}" for k, v in env.items()] + [
+            "dbus-run-session", "--", "/usr/bin/python3", f"{tmp}/{os.path.basename(sys.argv[0])}", "--inner"],
+            timeout=240).returncode)
+    finally:
+        shutil.rmtree(tmp, ignore_errors=True)
 
 
 def main():

@@ -8,6 +8,7 @@
 #include "output/PrintMath.h"
 #include "platform/framework/ControlLayout.h"
 #include "platform/desktop/DesktopEntry.h"
+#include "platform/system/LaunchCommand.h"
 #include "platform/hotkeys/PortalHotKeyService.h"
 #include "platform/portal/PortalRequest.h"
 #include "platform/hotkeys/X11HotKeyService.h"
@@ -205,6 +206,15 @@ private slots:
         QCOMPARE(fw::portalTrigger(shiftCmd, "2", ""), "SHIFT+CTRL+2"); // no shifted level known
         QCOMPARE(fw::portalTrigger(fw::kCmdKey | fw::kOptionKey, "2", "at"), "CTRL+ALT+2");
         QCOMPARE(fw::portalRequestPath(":1.42", "vantrel3"), "/org/freedesktop/portal/desktop/request/1_42/vantrel3");
+        // The command to bind: "vantrel" only where the search path's first one is this program.
+        QTemporaryDir d;
+        const QString me = d.filePath("a b/Vantrel"), old = d.filePath("old/Vantrel");
+        for (const char *dir : {"a b", "old", "bin"}) QDir(d.path()).mkdir(dir);
+        for (const QString &f : {me, old}) QFile(f).open(QIODevice::WriteOnly), QFile::setPermissions(f, QFile::ExeOwner);
+        QFile::link(me, d.filePath("bin/vantrel")), QFile::link(old, d.filePath("old/vantrel"));
+        for (const auto &[program, dirs, command] : QList<std::tuple<QString, QString, QString>>{
+                 {me, "bin", "vantrel"}, {me, "old:bin", "'" + me + "'"}, {old, "old", "vantrel"}, {old, "bin:old", old}})
+            QCOMPARE(fw::launchCommand(program, dirs.split(':').replaceInStrings(QRegularExpression("^"), d.path() + "/")), command);
     }
 
     // Awkward paths are checked with real launchers; here, what a launcher does with field codes.
