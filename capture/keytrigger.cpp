@@ -61,10 +61,7 @@ void keytrigger::Event_HotKeyPressed(quint32 hotkeysignature, int)
     fw::nilCheck(p);
     recentwin::instance().addimage(p);
 
-    QImage mask = fw::nilCheck(fw::NewPicture(p.width(), p.height()));
-    mask.fill(QColor(0, 0, 0));
-
-    w.mypic = fw::CGCreateImage(fw::BitmapOf(p), mask);
-    if (w.mypic.isNull()) return;
+    // Seen through an all-black mask the picture is itself, opaque: no mask is made.
+    w.mypic = fw::nilCheck(fw::BitmapOf(p));
     w.loadimage(QString());
 }

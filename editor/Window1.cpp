@@ -1,4 +1,5 @@
 #include "editor/Window1.h"
+#include "editor/ReleaseOnHide.h"
 
 #include "app/App.h"
 #include "app/MenuBar1.h"
@@ -39,6 +40,7 @@ Window1::Window1(fw::Services &services, fw::WindowRegistry &registry)
     layoutFor(size());
     connectControls();
     AddMenuHandlers();
+    new editor::ReleaseOnHide(*this);
 }
 
 Window1::~Window1() = default;

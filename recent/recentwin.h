@@ -3,6 +3,7 @@
 // on a thumbnail takes that capture back into the editor.
 
 #include "platform/framework/Window.h"
+#include "recent/RecentStore.h"
 
 #include <QImage>
 #include <QList>
@@ -21,8 +22,8 @@ public:
 
     static recentwin &instance();
 
-    // Oldest first, at most ten, the very pictures from the clipboard (shared, not copied).
-    QList<QImage> recentimages;
+    // Oldest first, at most ten, kept packed.
+    recent::RecentStore recentimages;
 
     fw::Canvas *Canvas2 = nullptr;
     QScrollBar *ScrollBar1 = nullptr;

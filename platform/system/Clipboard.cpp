@@ -83,8 +83,11 @@ bool Clipboard::readThroughX11()
 {
     if (QGuiApplication::platformName() != QLatin1String("xcb")) return false;
     if (QStandardPaths::findExecutable(QStringLiteral("xclip")).isEmpty()) return false;
-    // One request for the types, one for the best picture type, the two within 2 seconds.
+    // The capture helper's PNG asked for at once; else one request for the types and one for
+    // the best picture type. All within 2 seconds.
     const QDeadlineTimer deadline(2000);
+    m_bytes = xclipOut(QStringLiteral("image/png"), deadline);
+    if ((m_available = !m_bytes.isEmpty())) return true;
     const QList<QByteArray> targets = xclipOut(QStringLiteral("TARGETS"), deadline).split('\n');
     QByteArray best;
     for (const char *f : kPreferred)
