@@ -84,7 +84,10 @@ void RecentStore::append(const QImage &picture)
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),
             [weak] {
-                if (auto entry = weak.lock()) entry->raw = QImage();
+                if (auto entry = weak.lock()) {
+                    entry->raw = QImage();
+                    qCDebug(lcRecent) << "packed" << entry->size << "in" << entry->packed.size() << "bytes";
+                }
                 fw::returnFreedMemory();
             },
             Qt::QueuedConnection);
