@@ -122,7 +122,7 @@ class Vantrel:
         bundle = os.path.join(s.program, "Vantrel.app", "Contents", "MacOS", "Vantrel")
         # No session bus, as the end-to-end tests run it: the X11 key grab, not a desktop portal's.
         env = dict(s.env, DBUS_SESSION_BUS_ADDRESS="unix:path=" + os.path.join(s.tmp, "no-bus"))
-        self.proc = subprocess.Popen([bundle], env=env, stdout=DEVNULL, stderr=DEVNULL, cwd=s.env["HOME"])
+        self.proc = subprocess.Popen([bundle], env=env, stdout=DEVNULL, stderr=open("/tmp/vantrel-bench.log", "w") if os.environ.get("VLOG") else DEVNULL, cwd=s.env["HOME"])
         time.sleep(4.0)  # start-up and the splash over
 
     def overlay(self):
@@ -139,9 +139,13 @@ class Vantrel:
         return waited(p, t0)
 
     def close_window(self):
+        # The close box, as the window manager does it; a key would need the window focused.
         time.sleep(0.3)
-        self.s.xdo("key", "ctrl+w")
+        self.s.run("wmctrl", "-F", "-c", "Vantrel")
         time.sleep(0.4)
+
+    def editor_shown(self):
+        return "Vantrel" in self.s.run("wmctrl", "-l").stdout
 
     def capture_closed(self, region):
         self.overlay()
@@ -221,10 +225,14 @@ def main():
             for _ in range(10):
                 p.capture_closed((0, 0, W, H))
             time.sleep(1.0)
+            if isinstance(p, Vantrel):
+                assert not p.editor_shown(), "the editor was closed"
             rows[(p.name, "closed")] = memory(p.pid())
             p.overlay()
             p.drawn((0, 0, W, H), ("map",))
             time.sleep(1.0)
+            if isinstance(p, Vantrel):
+                assert p.editor_shown(), "the editor is open"
             rows[(p.name, "open")] = memory(p.pid())
             p.close_window()
         print(f"{'figure':58} " + " ".join(f"{p.name:>16}" for p in programs))
