@@ -4,9 +4,10 @@
 #include "app/App.h"
 #include "app/CommandLine.h"
 #include "capture/keytrigger.h"
-#include "platform/hotkeys/HotKeyService.h"
-#include "platform/framework/Services.h"
 #include "platform/desktop/SingleInstance.h"
+#include "platform/framework/Services.h"
+#include "platform/hotkeys/HotKeyService.h"
+#include "platform/system/Memory.h"
 #include "prefs/Preferences.h"
 
 #include <QApplication>
@@ -16,6 +17,7 @@
 
 int main(int argc, char **argv)
 {
+    fw::keepLargeBlocksApart();
     QStringList arguments;
     for (int i = 1; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
     const CommandLine command = parseCommandLine(arguments);
