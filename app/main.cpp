@@ -7,6 +7,7 @@
 #include "capture/keytrigger.h"
 #include "platform/desktop/SingleInstance.h"
 #include "platform/hotkeys/HotKeyService.h"
+#include "platform/system/Memory.h"
 #include "prefs/Preferences.h"
 #include "prefs/Session.h"
 
@@ -17,6 +18,7 @@
 
 int main(int argc, char **argv)
 {
+    fw::keepLargeBlocksApart();
     QStringList arguments;
     for (int i = 1; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
     const CommandLine command = parseCommandLine(arguments);

@@ -1,6 +1,8 @@
 // Speed of the editor on a 3840x2160 capture, each figure beside the same work done by
 // QImage::scaled with smooth transformation in the same run. Best of several runs, in ms.
-// Run offscreen: QT_QPA_PLATFORM=offscreen build/bench/vantrel_bench
+// Run offscreen: build/bench/vantrel_bench
+// With --x11, on the X server of $DISPLAY (x11_bench.py runs it on its Xvfb): the slider step
+// as the user sees it, the paint and its transfer to the screen.
 
 #include "app/App.h"
 #include "editor/Window1.h"
@@ -19,14 +21,19 @@
 #include <QClipboard>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QSlider>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPainter>
+#include <QScreen>
+#include <QSlider>
 #include <QTemporaryDir>
+#include <QThread>
+#include <QThreadPool>
+#include <QtGui/qguiapplication_platform.h>
 #include <chrono>
 #include <cstdio>
 #include <functional>
+#include <xcb/xcb.h>
 
 namespace {
 
@@ -77,6 +84,23 @@ QImage screenLike(int w, int h)
     return img;
 }
 
+QByteArray pngOf(const QImage &img)
+{
+    QByteArray out;
+    QBuffer b(&out);
+    b.open(QIODevice::WriteOnly);
+    img.save(&b, "PNG");
+    return out;
+}
+
+// Everything sent to the X server so far has been carried out.
+void syncX11()
+{
+    auto *x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
+    if (xcb_connection_t *c = x11 ? x11->connection() : nullptr)
+        std::free(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr));
+}
+
 double rssMiB()
 {
     QFile f("/proc/self/status");
@@ -91,7 +115,8 @@ double rssMiB()
 
 int main(int argc, char **argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const bool onX11 = argc > 1 && QByteArray(argv[1]) == "--x11";
+    qputenv("QT_QPA_PLATFORM", onX11 ? "xcb" : "offscreen");
     QApplication qapp(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QTemporaryDir home;
@@ -107,6 +132,7 @@ int main(int argc, char **argv)
     Keys *k = keys.get();
     services.hotKeys = std::move(keys);
     services.osVersionString = [] { return QStringLiteral("Mac OS X 10.5.8"); };
+    services.shiftKeyDown = [] { return true; }; // outputs keep the editor open
     Preferences prefs(services.preferenceDomains);
     Session session;
     App app(services, prefs, session);
@@ -127,6 +153,48 @@ int main(int argc, char **argv)
 
     const double idleRss = rssMiB();
 
+    if (onX11) {
+        // The editor as large as the screen allows, a slider step each way to the scale, then
+        // the canvas painted and on the screen.
+        Window1 &w = Window1::instance();
+        w.mypic = capture;
+        w.loadimage(QStringLiteral("100"));
+        w.setMaxWidth(32000);
+        w.setMaxHeight(32000);
+        const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
+        w.setBounds(area.x(), area.y() + 40, area.width(),
+                    area.height() - 80); // below its title bar
+        for (int i = 0; i < 20; ++i) {
+            QCoreApplication::processEvents();
+            QThread::msleep(20);
+        }
+        std::printf("slider step on the X server (pipeline, paint, transfer), canvas %dx%d, ms\n",
+                    w.Canvas1->width(), w.Canvas1->height());
+        std::printf("%-8s %10s %10s\n", "scale", "caption", "ms");
+        for (bool caption : {false, true}) {
+            w.captionText->setText(caption ? QStringLiteral("A caption of some words") : QString());
+            for (int at : {101, 150, 200}) {
+                double worst = 0, step = 0;
+                for (int from : {at - 1, at >= 200 ? at - 2 : at + 1}) {
+                    const auto stepFrom = [&] {
+                        w.setSliderValue(from);
+                        w.Canvas1->repaint();
+                        syncX11();
+                        QElapsedTimer t;
+                        t.start();
+                        w.setSliderValue(at);
+                        w.Canvas1->repaint();
+                        syncX11();
+                        step = t.nsecsElapsed() / 1e6;
+                    };
+                    worst = std::max(worst, bestOf(7, stepFrom, &step));
+                }
+                std::printf("%-8d %10s %10.1f\n", at, caption ? "yes" : "no", worst);
+            }
+        }
+        return 0;
+    }
+
     // Capture command's exit to the window shown.
     double shown = 1e18;
     for (int i = 0; i < 3; ++i) {
@@ -134,10 +202,9 @@ int main(int argc, char **argv)
         QCoreApplication::processEvents();
         const auto end = std::chrono::steady_clock::now();
         shown = std::min(shown, std::chrono::duration<double, std::milli>(end - r->exited).count());
-        Window1::instance().Hide();
+        if (i < 2) Window1::instance().Hide(); // the last stays for what follows
     }
     Window1 &w = Window1::instance();
-    w.Show();
     std::printf("3840x2160 capture, best of runs, ms\n");
     std::printf("%-44s %8.1f\n", "capture command exit -> window shown", shown);
 
@@ -234,6 +301,42 @@ int main(int argc, char **argv)
     std::printf("%-44s %8.0f MiB (at 100 %%: %.0f, + a screenful: %.0f)\n",
                 "resident after browsing 10-200 % and back", rssMiB(), at100, at100 + screenful);
 
+    // The first Copy above 100 %: the whole picture built and put on the clipboard (Qt encodes
+    // it only when a reader asks for it), beside QImage::scaled, and both with a PNG encode at
+    // Qt's default level. 1000 % (38400x21600) is not encoded.
+    std::printf("\n%-20s %10s %12s %12s %14s\n", "first Copy of 4K at", "Copy", "Copy + PNG",
+                "QImage::sc", "QImage::sc+PNG");
+    for (int at : {150, 200, 1000}) {
+        w.setScaleFieldText(QString::number(at));
+        double once = 0;
+        const auto copyOnce = [&] {
+            w.ScaledImage = w.getscaledimage(); // a fresh description: nothing built yet
+            QElapsedTimer t;
+            t.start();
+            app.commands().ToolbarItem1_Action();
+            once = t.nsecsElapsed() / 1e6;
+        };
+        const double copy = bestOf(at > 200 ? 1 : 3, copyOnce, &once);
+        QImage copied;
+        copied = QGuiApplication::clipboard()->image();
+        const double encoded = at > 200 ? -1 : bestOf(1, [&] { pngOf(copied); }) + copy;
+        copied = QImage();
+        QGuiApplication::clipboard()->clear();
+        w.ScaledImage = w.getscaledimage();
+        QImage ref;
+        const QSize size(int(3840 * at / 100.0), int(2160 * at / 100.0));
+        const double scaled = bestOf(at > 200 ? 1 : 3, [&] {
+            ref = capture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        });
+        const double refEncoded =
+            at > 200 || ref.isNull() ? -1 : bestOf(1, [&] { pngOf(ref); }) + scaled;
+        ref = QImage();
+        auto cell = [](double v) { return v < 0 ? QString("-") : QString::number(v, 'f', 0); };
+        std::printf("%-20s %10.0f %12s %12.0f %14s\n", qPrintable(QString("%1 %").arg(at)), copy,
+                    qPrintable(cell(encoded)), scaled, qPrintable(cell(refEncoded)));
+    }
+    w.setScaleFieldText(QStringLiteral("100"));
+
     // Export of the 4K capture in each format at the same settings: both writers where both can
     // write it, and QImage::save given the same quality or compression.
     std::printf("\n%-28s %10s %10s %12s\n", "export (encode only)", "Qt", "Magick", "QImage::save");
@@ -277,8 +380,27 @@ int main(int argc, char **argv)
     // The drawer full: ten 4K captures, painted from full size.
     w.captionText->setText(QString());
     w.Slider1->setValue(100);
+    QElapsedTimer filling;
+    filling.start();
     for (int i = 0; i < 10; ++i) k->press(), QCoreApplication::processEvents();
+    QThreadPool::globalInstance()->waitForDone(); // packed on the worker
+    std::printf("\n%-44s %8.0f\n", "ten 4K captures to the drawer, packed (total)",
+                double(filling.elapsed()));
+    QCoreApplication::processEvents();
     recentwin &drawer = recentwin::instance();
+    QImage back;
+    const double unpack = bestOf(5, [&] { back = drawer.recentimages.picture(0); });
+    std::printf("%-44s %8.1f (%s)\n", "a drawer click's picture back, 4K", unpack,
+                back == capture ? "identical" : "DIFFERS");
+    back = QImage();
+    // The same for a 1920x1080 part of the capture.
+    drawer.recentimages.append(capture.copy(0, 0, 1920, 1080));
+    QThreadPool::globalInstance()->waitForDone();
+    QCoreApplication::processEvents();
+    const double unpackHd = bestOf(5, [&] { back = drawer.recentimages.picture(9); });
+    std::printf("%-44s %8.1f (%s)\n", "a drawer click's picture back, 1920x1080", unpackHd,
+                back == capture.copy(0, 0, 1920, 1080) ? "identical" : "DIFFERS");
+    back = QImage();
     QImage column(drawer.Canvas2->size(), QImage::Format_RGB32);
     const double drawerPaint = bestOf(10, [&] {
         QPainter p(&column);
@@ -286,12 +408,11 @@ int main(int argc, char **argv)
     });
     std::printf("\n%-44s %8.2f\n", "drawer paint, ten 4K captures", drawerPaint);
 
-    // Memory: what the program keeps is ten captures, mypic and ScaledImage.
-    const double raw = 12 * 3840.0 * 2160 * 4 / (1024 * 1024);
+    // Memory: the drawer's ten packed, the editor's capture and its view; then the editor hidden.
     const double rss = rssMiB();
     std::printf("%-44s %8.0f MiB\n", "resident, idle", idleRss);
     std::printf("%-44s %8.0f MiB\n", "resident, ten in the drawer + editor", rss);
-    std::printf("%-44s %8.0f MiB (%.2f of raw + idle)\n", "raw pixels kept (10 + mypic + ScaledImage)",
-                raw, rss / (raw + idleRss));
+    w.Hide();
+    std::printf("%-44s %8.0f MiB\n", "resident, ten in the drawer, editor hidden", rssMiB());
     return 0;
 }

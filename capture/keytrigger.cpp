@@ -70,8 +70,7 @@ void keytrigger::Event_HotKeyPressed(quint32 hotkeysignature, int)
     emit pictureTaken(p);
     fw::rethrowPending(); // what a listener failed with ends this press too
 
-    QImage mask = fw::nilCheck(fw::NewPicture(p.width(), p.height()));
-    mask.fill(QColor(0, 0, 0));
-    emit captured(fw::CGCreateImage(fw::BitmapOf(p), mask));
+    // Seen through an all-black mask the picture is itself, opaque: no mask is made.
+    emit captured(fw::BitmapOf(p));
     fw::rethrowPending();
 }

@@ -12,9 +12,10 @@ set(VANTREL_METAINFO_ID com.morlane.Vantrel) # AppStream wants the domain in low
 set(VANTREL_DOCDIR ${CMAKE_INSTALL_DATADIR}/doc/vantrel)
 
 # The program as a target, so that packages strip it; the rest of the bundle as the build made it.
-install(TARGETS Vantrel portal-shot DESTINATION lib/vantrel/Vantrel.app/Contents/MacOS)
+install(TARGETS Vantrel portal-shot x11-grab vantrel_magick DESTINATION lib/vantrel/Vantrel.app/Contents/MacOS)
 install(DIRECTORY ${BUNDLE_DIR} DESTINATION lib/vantrel USE_SOURCE_PERMISSIONS
-        PATTERN Contents/MacOS/Vantrel EXCLUDE PATTERN Contents/MacOS/portal-shot EXCLUDE)
+        PATTERN Contents/MacOS/Vantrel EXCLUDE PATTERN Contents/MacOS/portal-shot EXCLUDE
+        PATTERN Contents/MacOS/x11-grab EXCLUDE PATTERN Contents/MacOS/libvantrel-magick.so EXCLUDE)
 set(manpage ${CMAKE_BINARY_DIR}/man/vantrel.1.gz)
 add_custom_command(OUTPUT ${manpage}
   COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/man

@@ -129,7 +129,20 @@ void renderPlain(const QImage &src, double factor, const QRect &r, QImage &out)
     }
 }
 
+// One screenful kept from paint to paint: fresh pages for every slider step cost more than the
+// rendering itself.
+QImage &screenful()
+{
+    static QImage scratch;
+    return scratch;
+}
+
 } // namespace
+
+void ScaledPicture::releaseScratch()
+{
+    screenful() = QImage();
+}
 
 ScaledPicture ScaledPicture::fromPixels(const QImage &pixels)
 {
@@ -191,9 +204,7 @@ void ScaledPicture::draw(QPainter &painter, QPoint at, const QRect &source) cons
     } else if (!d->whole.isNull()) {
         painter.drawImage(to, d->whole, r);
     } else {
-        // One screenful kept from paint to paint: fresh pages for every slider step cost more
-        // than the rendering itself.
-        static QImage scratch;
+        QImage &scratch = screenful();
         if (scratch.size() != r.size()) scratch = QImage(r.size(), QImage::Format_RGB32);
         if (scratch.isNull()) return;
         renderInto(scratch, r);

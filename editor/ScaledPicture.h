@@ -40,6 +40,8 @@ public:
     // The whole picture, built on first use and kept for later outputs; null when it can't be
     // held.
     QImage toImage() const;
+    // Lets go of the screenful the preview renders into (made again by the next paint).
+    static void releaseScratch();
 
 private:
     void renderInto(QImage &out, const QRect &r) const;

@@ -1,4 +1,5 @@
 #include "editor/Window1.h"
+#include "editor/ReleaseOnHide.h"
 
 #include "capture/keytrigger.h"
 #include "platform/core/Failure.h"
@@ -41,6 +42,7 @@ Window1::Window1(fw::Services &services, fw::WindowRegistry &registry)
         ScaledImage = getscaledimage();
         Canvas1->Refresh(true);
     });
+    new editor::ReleaseOnHide(*this);
 }
 
 Window1::~Window1() = default;

@@ -58,8 +58,7 @@ recentwin &recentwin::instance() { return fw::Application::instance().windows().
 
 void recentwin::addimage(const QImage &picture)
 {
-    recentimages.append(picture);
-    if (recentimages.size() - 1 > 9) recentimages.removeAt(0);
+    recentimages.append(picture); // the oldest beyond ten goes
     setscroll();
 }
 
@@ -77,9 +76,9 @@ void recentwin::Canvas2_Paint(QPainter &g)
 {
     g.setRenderHint(QPainter::SmoothPixmapTransform, true);
     for (int i = 0; i < recentimages.size(); ++i) {
-        const QImage &p = recentimages[i];
-        const recent::Thumbnail t = recent::thumbnailFor(p.size(), i, ScrollBar1->value());
-        g.drawImage(QRect(t.x, t.y, 150, 150), p, QRect(0, 0, t.sourceSide, t.sourceSide));
+        const recent::Thumbnail t =
+            recent::thumbnailFor(recentimages.pictureSize(i), i, ScrollBar1->value());
+        recentimages.drawThumbnail(g, i, QPoint(t.x, t.y));
         g.setPen(QColor(50, 50, 50));
         g.setBrush(Qt::NoBrush);
         // A framework outline covers width by height pixels; QPainter's covers one more.
@@ -96,10 +95,9 @@ void recentwin::Canvas2_MouseUp(int, int y)
         if (Beep) Beep();
         return;
     }
-    const QImage p = recentimages[row];
-    QImage mask = fw::nilCheck(fw::NewPicture(p.width(), p.height()));
-    mask.fill(QColor(0, 0, 0));
-    emit captureChosen(fw::CGCreateImage(fw::BitmapOf(p), mask));
+    // Seen through an all-black mask the picture is itself, opaque: no mask is made.
+    const QImage p = recentimages.picture(row);
+    emit captureChosen(fw::nilCheck(fw::BitmapOf(fw::nilCheck(p))));
     fw::rethrowPending(); // the editor's failure ends this click
 }
 

@@ -3,6 +3,7 @@
 // on a thumbnail hands that capture back to the editor (captureChosen).
 
 #include "platform/framework/Window.h"
+#include "recent/RecentStore.h"
 
 #include <QImage>
 #include <QList>
@@ -22,8 +23,8 @@ public:
 
     static recentwin &instance();
 
-    // Oldest first, at most ten, the very pictures from the clipboard (shared, not copied).
-    QList<QImage> recentimages;
+    // Oldest first, at most ten, kept packed.
+    recent::RecentStore recentimages;
 
     fw::Canvas *Canvas2 = nullptr;      // the column of thumbnails
     QScrollBar *ScrollBar1 = nullptr;   // scrolls the column

@@ -36,21 +36,24 @@ QString GraphicsExporter::GetDefaultFileNameExtension() const { return extension
 
 GraphicsExporter::Writer GraphicsExporter::writerFor(const QImage &picture) const
 {
-    const bool magickFits = magick::fitsLimits(picture.width(), picture.height());
+    // Asked only where ImageMagick may write: asking loads it.
+    const auto magickFits = [&] { return magick::fitsLimits(picture.width(), picture.height()); };
     switch (m_format) {
     case ExportFormat::JPEG:
         return Writer::Qt; // libjpeg-turbo: about twice as fast at the same quality
     case ExportFormat::PNG:
         // Qt writes no interlaced PNG.
-        return m_settings.pngInterlaced ? (magickFits ? Writer::Magick : Writer::None) : Writer::Qt;
+        return m_settings.pngInterlaced ? (magickFits() ? Writer::Magick : Writer::None)
+                                        : Writer::Qt;
     case ExportFormat::BMP:
         // Qt writes 24-bit BMP only.
-        return m_settings.bmpDepth == 24 ? Writer::Qt : (magickFits ? Writer::Magick : Writer::None);
+        return m_settings.bmpDepth == 24 ? Writer::Qt
+                                         : (magickFits() ? Writer::Magick : Writer::None);
     case ExportFormat::TIFF:
     case ExportFormat::PICT:
     case ExportFormat::PSD:
     case ExportFormat::Targa:
-        return magickFits ? Writer::Magick : Writer::None;
+        return magickFits() ? Writer::Magick : Writer::None;
     case ExportFormat::None:
         break;
     }

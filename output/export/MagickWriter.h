@@ -1,6 +1,7 @@
 #pragma once
 // Encoding through ImageMagick (Magick++). A picture beyond ImageMagick's resource limits is
-// refused here: importing it would abort the whole process.
+// refused here: importing it would abort the whole process. The writer lives in a module loaded
+// on first use (MagickModule.cpp); where it can't be loaded nothing fits and nothing is encoded.
 
 #include "output/export/ExporterSettings.h"
 

@@ -8,6 +8,7 @@
 Q_DECLARE_LOGGING_CATEGORY(lcFramework) // vantrel.framework: failures that reach the one message
 Q_DECLARE_LOGGING_CATEGORY(lcCapture)   // vantrel.capture: the hot key, the helper, the clipboard
 Q_DECLARE_LOGGING_CATEGORY(lcEditor)    // vantrel.editor: loading a capture
+Q_DECLARE_LOGGING_CATEGORY(lcRecent)    // vantrel.recent: the drawer packing its captures
 Q_DECLARE_LOGGING_CATEGORY(lcOutput)    // vantrel.output: save, mail, copy, print, the exporter
 Q_DECLARE_LOGGING_CATEGORY(lcStore)     // vantrel.store: property lists and preference files
 Q_DECLARE_LOGGING_CATEGORY(lcDesktop)   // vantrel.desktop: bus, tray, login items, bundle

@@ -80,8 +80,13 @@ bool Clipboard::readThroughX11()
 {
     if (QGuiApplication::platformName() != QLatin1String("xcb")) return false;
     if (QStandardPaths::findExecutable(QStringLiteral("xclip")).isEmpty()) return false;
-    // One request for the types, one for the best picture type, the two within 2 seconds.
+    // The capture helper's PNG asked for at once; else one request for the types and one for
+    // the best picture type. All within 2 seconds. Some owners answer any type with what they
+    // hold (xclip with text does): only a PNG's signature counts as the PNG.
     const QDeadlineTimer deadline(2000);
+    m_bytes = xclipOut(QStringLiteral("image/png"), deadline);
+    if (m_bytes.startsWith("\x89PNG\r\n\x1a\n")) return m_available = true;
+    m_bytes.clear();
     const QList<QByteArray> targets = xclipOut(QStringLiteral("TARGETS"), deadline).split('\n');
     QByteArray best;
     for (const char *f : kPreferred)

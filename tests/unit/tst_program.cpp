@@ -156,6 +156,7 @@ private slots:
         QCOMPARE(t.app->messages, QStringList{"An Error Ocurred at LoadTypeMenu"});
         t.app->messages.clear();
         w.captionText->setText("");
+        t.capture(patternImage(10, 40)); // the failure's quit hid the editor, and its picture went
         w.Slider1->setValue(10);
         fw::guarded([&] { w.setScaleFieldText("-50"); }); // the pipeline can't draw it
         QCOMPARE(t.app->messages, QStringList{"An Error Ocurred at LoadTypeMenu"});
@@ -300,8 +301,8 @@ private slots:
         for (int i = 1; i <= 11; ++i) t.capture(solid(10 + i, 10, Qt::gray));
         recentwin &d = recentwin::instance();
         QCOMPARE(d.recentimages.size(), 10);
-        QCOMPARE(d.recentimages.first().width(), 12);
-        QCOMPARE(d.recentimages.last().width(), 21);
+        QCOMPARE(d.recentimages.pictureSize(0).width(), 12);
+        QCOMPARE(d.recentimages.pictureSize(9).width(), 21);
         d.BevelButton1->click(); // Clear All
         QVERIFY(d.recentimages.isEmpty());
         QCOMPARE(d.ScrollBar1->maximum(), 0);
@@ -326,7 +327,11 @@ private slots:
             QCOMPARE(w.mypic.isNull() ? QColor() : w.mypic.pixelColor(0, 0), entry < 0 ? QColor() : colours[entry]);
             if (entry >= 0) QCOMPARE(w.scaleField->text(), QString("50"));
         }
-        QCOMPARE(d.recentimages.size(), 3);
+        // Kept packed, and made back on a click pixel for pixel.
+        t.capture(patternImage(640, 480));
+        QTRY_VERIFY(d.recentimages.isPacked(3));
+        d.Canvas2_MouseUp(10, 3 * 155 + 10 - d.ScrollBar1->value());
+        QCOMPARE(w.mypic, patternImage(640, 480));
     }
 
     void menus_shortcutsAndEnabling()

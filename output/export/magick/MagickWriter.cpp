@@ -1,6 +1,9 @@
+// Built as its own module (libvantrel-magick.so beside the program), loaded on the first export
+// that needs it: ImageMagick and the libraries it pulls in cost start-up time and memory that
+// most runs never use. Only the two entry points at the end are visible outside.
+
 #include "output/export/MagickWriter.h"
 
-#include "platform/core/Logging.h"
 
 #include <Magick++.h>
 #include <QCoreApplication>
@@ -93,9 +96,22 @@ QByteArray encode(const QImage &picture, ExportFormat format, const ExporterSett
         img.write(&blob);
         return QByteArray(static_cast<const char *>(blob.data()), qsizetype(blob.length()));
     } catch (const std::exception &e) {
-        qCWarning(lcOutput) << "ImageMagick could not encode the picture:" << e.what();
+        qWarning("vantrel.output: ImageMagick could not encode the picture: %s", e.what());
         return {};
     }
 }
 
 } // namespace fw::magick
+
+extern "C" __attribute__((visibility("default"))) bool vantrel_magick_fitsLimits(int width,
+                                                                                 int height)
+{
+    return fw::magick::fitsLimits(width, height);
+}
+
+extern "C" __attribute__((visibility("default"))) void
+vantrel_magick_encode(const QImage &picture, fw::ExportFormat format, const fw::ExporterSettings &s,
+                      QByteArray &out)
+{
+    out = fw::magick::encode(picture, format, s);
+}
