@@ -155,11 +155,13 @@ void Window1::openControls()
 
 int Window1::barsHeight() const
 {
-    return (menuBar ? menuBar->sizeHint().height() : 0) + (toolBar ? toolBar->sizeHint().height() : 0);
+    return (menuBar ? menuBar->sizeHint().height() : 0) +
+           (toolBar ? qMax(toolBar->sizeHint().height(), toolBar->minimumHeight()) : 0);
 }
 
 void Window1::layoutFor(const QSize &size)
 {
+    if (toolBar) fitToolbar(size.width());
     const int bars = barsHeight();
     const int menuHeight = menuBar ? menuBar->sizeHint().height() : 0;
     if (menuBar) menuBar->setGeometry(0, 0, size.width(), menuHeight);

@@ -146,6 +146,7 @@ protected:
 
 private:
     void buildToolbar();
+    void fitToolbar(int width);
     // Before an export: settings asked for on first use, else given to the exporter.
     void settingsStep(bool storeRequested);
     void buildControls();
@@ -154,4 +155,5 @@ private:
 
     fw::Canvas *m_content = nullptr; // the background below the bars
     fw::ControlLayout m_layout{designSize};
+    QSize m_captionedToolbar; // the tool bar's size with captions under the pictures
 };

@@ -49,6 +49,18 @@ void Window1::buildToolbar()
     add(ToolbarItem2, "ToolbarItem2", "Untitled", &Window1::ToolbarItem2_Action);
 }
 
+// Narrower than the items with their captions, the bar shows their pictures only (a caption stays
+// the item's tool tip and accessible name), so that all seven stay in reach; the bar keeps its
+// height, so that the content below it stays where it is.
+void Window1::fitToolbar(int width)
+{
+    if (toolBar->toolButtonStyle() == Qt::ToolButtonTextUnderIcon)
+        m_captionedToolbar = toolBar->sizeHint();
+    toolBar->setMinimumHeight(m_captionedToolbar.height());
+    toolBar->setToolButtonStyle(width < m_captionedToolbar.width() ? Qt::ToolButtonIconOnly
+                                                                   : Qt::ToolButtonTextUnderIcon);
+}
+
 void Window1::SaveTB_Open()
 {
     SaveTB->setIcon(itemImage(HD(), HDMask()));

@@ -4,10 +4,12 @@
 
 #include "app/App.h"
 #include "app/MenuBar1.h"
-#include "platform/core/Picture.h"
 #include "editor/Window1.h"
-#include "platform/framework/Canvas.h"
 #include "platform/core/Failure.h"
+#include "platform/core/Picture.h"
+#include "platform/display/ToolWindow.h"
+#include "platform/display/WorkArea.h"
+#include "platform/framework/Canvas.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -22,9 +24,10 @@ recentwin::recentwin(fw::Services &services, fw::WindowRegistry &registry)
 {
     setObjectName(QStringLiteral("recentwin"));
     MenuBar1::addQuitShortcut(App::instance(), this);
-    setWindowTitle(QStringLiteral("Untitled")); // a drawer shows no title of its own
+    // No title bar shows it; the title names the window where a list of windows does.
+    setWindowTitle(QStringLiteral("Recent"));
     setWindowRole(QStringLiteral("drawer"));
-    // A tool window with no title bar of its own: it belongs to the editor and moves with it.
+    // A tool of the editor with no title bar of its own: it moves with the editor.
     setWindowFlag(Qt::Tool, true);
     setWindowFlag(Qt::FramelessWindowHint, true);
     setMinimumSize(150, 64);
@@ -124,7 +127,7 @@ void recentwin::followEditor()
     if (!editor) return;
     const QRect frame = editor->frameGeometry();
     const QScreen *screen = editor->screen() ? editor->screen() : QGuiApplication::primaryScreen();
-    const QRect area = screen ? screen->availableGeometry() : QRect(frame.topLeft(), QSize(32000, 32000));
+    const QRect area = screen ? fw::workArea(screen) : QRect(frame.topLeft(), QSize(32000, 32000));
     // Against the editor's right edge, its top level with the editor's content; where the
     // screen has no room there, against the left edge; where neither side has room, inside the
     // editor's right edge, on screen.
@@ -134,10 +137,12 @@ void recentwin::followEditor()
     setGeometry(QRect(QPoint(x, editor->Top()), size()));
 }
 
+// Before the window is mapped: what the window manager is told about it goes first.
 void recentwin::showEvent(QShowEvent *e)
 {
     fw::Window::showEvent(e);
     if (Window1 *editor = registry().existing<Window1>()) {
+        fw::makeToolOf(this, editor);
         editor->installEventFilter(this);
         followEditor();
     }

@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QThread>
 #include <QtGui/qguiapplication_platform.h>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <xcb/xcb.h>
@@ -20,14 +21,17 @@ static xcb_atom_t atom(xcb_connection_t *c, const char *name)
 }
 
 // The window's _NET_FRAME_EXTENTS (left, right, top, bottom), if set.
-static bool readExtents(xcb_connection_t *c, xcb_window_t w, xcb_atom_t extents, QMargins *out)
+static bool readExtents(xcb_connection_t *c, xcb_window_t w, xcb_atom_t extents, qreal ratio,
+                        QMargins *out)
 {
     xcb_get_property_reply_t *r = xcb_get_property_reply(
         c, xcb_get_property(c, 0, w, extents, XCB_ATOM_CARDINAL, 0, 4), nullptr);
     const bool ok = r && r->format == 32 && xcb_get_property_value_length(r) == 16;
     if (ok) {
         const auto *v = static_cast<const quint32 *>(xcb_get_property_value(r));
-        *out = QMargins(int(v[0]), int(v[2]), int(v[1]), int(v[3]));
+        // The window manager counts device pixels; in the window's units, rounded up.
+        const auto units = [ratio](quint32 px) { return int(std::ceil(px / ratio)); };
+        *out = QMargins(units(v[0]), units(v[2]), units(v[1]), units(v[3]));
     }
     std::free(r);
     return ok;
@@ -42,7 +46,7 @@ QMargins frameExtentsBeforeShowing(QWidget *window, bool ask)
     const xcb_atom_t extents = atom(c, "_NET_FRAME_EXTENTS");
     QMargins m;
     // Set by the window manager once it has managed the window, and kept while it is hidden.
-    if (readExtents(c, w, extents, &m) || !ask) return m;
+    if (readExtents(c, w, extents, window->devicePixelRatioF(), &m) || !ask) return m;
     xcb_client_message_event_t ev = {};
     ev.response_type = XCB_CLIENT_MESSAGE;
     ev.format = 32;
@@ -57,7 +61,7 @@ QMargins frameExtentsBeforeShowing(QWidget *window, bool ask)
     QElapsedTimer waited;
     waited.start();
     while (waited.elapsed() < 300) {
-        if (readExtents(c, w, extents, &m)) return m;
+        if (readExtents(c, w, extents, window->devicePixelRatioF(), &m)) return m;
         QThread::msleep(5);
     }
     return {};

@@ -116,6 +116,10 @@ class WindowsTest(E2ETestCase):
             x += 30
         s.click(x + w - 121, y + 45)  # Recent
         drawer = wait_for(lambda: s.of_role("drawer"), 3.0)[0]
+        # A tool of the editor, out of the task bar, that leaves the focus where it was.
+        self.assertIn(f"window id # {hex(wid)}", s.run("xprop", "-id", str(drawer), "WM_TRANSIENT_FOR").stdout)
+        self.assertIn("_NET_WM_STATE_SKIP_TASKBAR", s.run("xprop", "-id", str(drawer), "_NET_WM_STATE").stdout)
+        self.assertEqual(s.run("xdotool", "getactivewindow").stdout.split(), [str(wid)])
         for to in ((100, 150), (300, 250)):
             s.run("xdotool", "windowmove", "--sync", str(wid), str(to[0]), str(to[1]))
             time.sleep(0.5)

@@ -1,0 +1,154 @@
+#include "platform/display/WorkArea.h"
+
+#include <QGuiApplication>
+#include <QLoggingCategory>
+#include <QScreen>
+#include <QtGui/qguiapplication_platform.h>
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <xcb/xcb.h>
+
+Q_LOGGING_CATEGORY(lcWorkArea, "vantrel.display", QtWarningMsg)
+
+namespace fw {
+
+QRect usableArea(const QRect &monitor, const QSize &root, const QRect &workArea,
+                 const QList<Strut> &struts)
+{
+    QList<Strut> all = struts;
+    if (workArea.isValid()) {
+        // The window manager's own margin along an edge: what its work area keeps beyond the
+        // panels.
+        Strut own{workArea.left(),
+                  root.width() - 1 - workArea.right(),
+                  workArea.top(),
+                  root.height() - 1 - workArea.bottom(),
+                  0,
+                  root.height() - 1,
+                  0,
+                  root.height() - 1,
+                  0,
+                  root.width() - 1,
+                  0,
+                  root.width() - 1};
+        for (const Strut &s : struts) {
+            if (s.left >= own.left) own.left = 0;
+            if (s.right >= own.right) own.right = 0;
+            if (s.top >= own.top) own.top = 0;
+            if (s.bottom >= own.bottom) own.bottom = 0;
+        }
+        all.append(own);
+    }
+    const auto meets = [](int from, int to, int first, int last) {
+        return from <= last && first <= to;
+    };
+    int l = monitor.left(), t = monitor.top(), r = monitor.right(), b = monitor.bottom();
+    for (const Strut &s : all) {
+        if (s.left > monitor.left() && meets(s.leftFrom, s.leftTo, monitor.top(), monitor.bottom()))
+            l = std::max(l, s.left);
+        if (s.right > 0 && root.width() - s.right <= monitor.right() &&
+            meets(s.rightFrom, s.rightTo, monitor.top(), monitor.bottom()))
+            r = std::min(r, root.width() - 1 - s.right);
+        if (s.top > monitor.top() && meets(s.topFrom, s.topTo, monitor.left(), monitor.right()))
+            t = std::max(t, s.top);
+        if (s.bottom > 0 && root.height() - s.bottom <= monitor.bottom() &&
+            meets(s.bottomFrom, s.bottomTo, monitor.left(), monitor.right()))
+            b = std::min(b, root.height() - 1 - s.bottom);
+    }
+    const QRect usable(QPoint(l, t), QPoint(r, b));
+    return usable.isValid() ? usable : monitor; // panels over the whole monitor: nothing to trust
+}
+
+namespace {
+
+xcb_atom_t atom(xcb_connection_t *c, const char *name)
+{
+    xcb_intern_atom_reply_t *r =
+        xcb_intern_atom_reply(c, xcb_intern_atom(c, 1, quint16(std::strlen(name)), name), nullptr);
+    const xcb_atom_t a = r ? r->atom : xcb_atom_t(XCB_ATOM_NONE);
+    std::free(r);
+    return a;
+}
+
+// A property of 32-bit items, at most max of them.
+QList<quint32> cardinals(xcb_connection_t *c, xcb_window_t w, xcb_atom_t property, xcb_atom_t type,
+                         quint32 max)
+{
+    QList<quint32> out;
+    if (property == XCB_ATOM_NONE) return out;
+    xcb_get_property_reply_t *r =
+        xcb_get_property_reply(c, xcb_get_property(c, 0, w, property, type, 0, max), nullptr);
+    if (r && r->format == 32) {
+        const auto *v = static_cast<const quint32 *>(xcb_get_property_value(r));
+        out = QList<quint32>(v, v + xcb_get_property_value_length(r) / 4);
+    }
+    std::free(r);
+    return out;
+}
+
+// The root's size, the current desktop's work area and the panels' struts; false without X11.
+bool readDesktop(QSize *root, QRect *workArea, QList<Strut> *struts)
+{
+    auto *x11 = qApp ? qApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+    xcb_connection_t *c = x11 ? x11->connection() : nullptr;
+    if (!c) return false;
+    const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(c)).data;
+    *root = QSize(screen->width_in_pixels, screen->height_in_pixels);
+    const QList<quint32> desktop =
+        cardinals(c, screen->root, atom(c, "_NET_CURRENT_DESKTOP"), XCB_ATOM_CARDINAL, 1);
+    const quint32 d = desktop.isEmpty() ? 0 : desktop[0];
+    const QList<quint32> areas =
+        cardinals(c, screen->root, atom(c, "_NET_WORKAREA"), XCB_ATOM_CARDINAL, 4 * (d + 1));
+    if (areas.size() >= 4 * qsizetype(d + 1))
+        *workArea = QRect(int(areas[4 * d]), int(areas[4 * d + 1]), int(areas[4 * d + 2]),
+                          int(areas[4 * d + 3]));
+    const xcb_atom_t partial = atom(c, "_NET_WM_STRUT_PARTIAL"), plain = atom(c, "_NET_WM_STRUT");
+    for (quint32 w :
+         cardinals(c, screen->root, atom(c, "_NET_CLIENT_LIST"), XCB_ATOM_WINDOW, 4096)) {
+        QList<quint32> v = cardinals(c, w, partial, XCB_ATOM_CARDINAL, 12);
+        if (v.size() < 12) {
+            v = cardinals(c, w, plain, XCB_ATOM_CARDINAL, 4);
+            if (v.size() < 4) continue;
+            // The old form covers whole edges.
+            const int h = root->height() - 1, wd = root->width() - 1;
+            v << 0 << h << 0 << h << 0 << wd << 0 << wd;
+        }
+        const auto i = [&v](int k) { return int(std::min<quint32>(v[k], 1u << 20)); };
+        struts->append({i(0), i(1), i(2), i(3), i(4), i(5), i(6), i(7), i(8), i(9), i(10), i(11)});
+    }
+    return true;
+}
+
+} // namespace
+
+QRect primaryWorkArea()
+{
+    return workArea(QGuiApplication::primaryScreen());
+}
+
+QRect workArea(const QScreen *screen)
+{
+    if (!screen) return {};
+    // With one monitor Qt reads the work area itself.
+    QSize root;
+    QRect workArea;
+    QList<Strut> struts;
+    if (QGuiApplication::screens().size() == 1 || !readDesktop(&root, &workArea, &struts))
+        return screen->availableGeometry();
+    // Qt keeps a screen's origin in the root's pixels and scales what lies beyond it.
+    const QRect logical = screen->geometry();
+    const QPoint origin = logical.topLeft();
+    const qreal ratio = screen->devicePixelRatio();
+    const QRect monitor(origin, logical.size() * ratio);
+    const QRect usable = usableArea(monitor, root, workArea, struts);
+    const QPointF from = origin + QPointF(usable.topLeft() - origin) / ratio;
+    const QPointF to = origin + QPointF(usable.bottomRight() + QPoint(1, 1) - origin) / ratio;
+    const QRect area(QPoint(int(std::ceil(from.x())), int(std::ceil(from.y()))),
+                     QPoint(int(std::floor(to.x())) - 1, int(std::floor(to.y())) - 1));
+    qCDebug(lcWorkArea) << "monitor" << monitor << "usable" << usable << "logical" << area;
+    return area.intersected(logical);
+}
+
+} // namespace fw
