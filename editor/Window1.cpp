@@ -221,12 +221,14 @@ bool Window1::Event_MouseDown(int x, int y)
 {
     xdown = x;
     ydown = y;
+    holdForMove();
     return true;
 }
 
 void Window1::Event_MouseDrag(int x, int y)
 {
-    moveContentTo(Left() + x - xdown, Top() + y - ydown);
+    // To the device pixel where the platform can; a scaled screen's units are several.
+    if (!moveWithPointer()) moveContentTo(Left() + x - xdown, Top() + y - ydown);
 }
 
 void Window1::AddMenuHandlers()

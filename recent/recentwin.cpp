@@ -7,6 +7,7 @@
 #include "editor/Window1.h"
 #include "platform/core/Failure.h"
 #include "platform/core/Picture.h"
+#include "platform/display/DevicePixels.h"
 #include "platform/display/ToolWindow.h"
 #include "platform/display/WorkArea.h"
 #include "platform/framework/Canvas.h"
@@ -135,6 +136,10 @@ void recentwin::followEditor()
     if (x + width() > area.right() + 1) x = frame.left() - width();
     if (x < area.left()) x = area.right() + 1 - width();
     setGeometry(QRect(QPoint(x, editor->Top()), size()));
+    // Against the editor's frame to the device pixel, which whole units may miss on a scaled
+    // screen.
+    if (x != area.right() + 1 - width())
+        fw::placeAgainst(this, editor, x > frame.left(), editor->Top() - editor->geometry().y());
 }
 
 // Before the window is mapped: what the window manager is told about it goes first.

@@ -1,59 +1,49 @@
 #include "platform/display/FrameExtents.h"
 
+#include "platform/display/X11.h"
+
 #include <QElapsedTimer>
-#include <QGuiApplication>
 #include <QThread>
-#include <QtGui/qguiapplication_platform.h>
 #include <cmath>
-#include <cstdlib>
-#include <cstring>
-#include <xcb/xcb.h>
 
 namespace fw {
 
-static xcb_atom_t atom(xcb_connection_t *c, const char *name)
+// The window's _NET_FRAME_EXTENTS (left, right, top, bottom) in device pixels, if set.
+static bool readExtents(xcb_connection_t *c, xcb_window_t w, QMargins *out)
 {
-    xcb_intern_atom_reply_t *r =
-        xcb_intern_atom_reply(c, xcb_intern_atom(c, 0, quint16(std::strlen(name)), name), nullptr);
-    const xcb_atom_t a = r ? r->atom : xcb_atom_t(XCB_ATOM_NONE);
-    std::free(r);
-    return a;
+    const QList<quint32> v = x11::cardinals(c, w, "_NET_FRAME_EXTENTS", XCB_ATOM_CARDINAL, 4);
+    if (v.size() == 4) *out = QMargins(int(v[0]), int(v[2]), int(v[1]), int(v[3]));
+    return v.size() == 4;
 }
 
-// The window's _NET_FRAME_EXTENTS (left, right, top, bottom), if set.
-static bool readExtents(xcb_connection_t *c, xcb_window_t w, xcb_atom_t extents, qreal ratio,
-                        QMargins *out)
+QMargins frameExtentsInPixels(QWidget *window)
 {
-    xcb_get_property_reply_t *r = xcb_get_property_reply(
-        c, xcb_get_property(c, 0, w, extents, XCB_ATOM_CARDINAL, 0, 4), nullptr);
-    const bool ok = r && r->format == 32 && xcb_get_property_value_length(r) == 16;
-    if (ok) {
-        const auto *v = static_cast<const quint32 *>(xcb_get_property_value(r));
-        // The window manager counts device pixels; in the window's units, rounded up.
-        const auto units = [ratio](quint32 px) { return int(std::ceil(px / ratio)); };
-        *out = QMargins(units(v[0]), units(v[2]), units(v[1]), units(v[3]));
-    }
-    std::free(r);
-    return ok;
+    xcb_connection_t *c = x11::connection();
+    QMargins m;
+    if (c && window) readExtents(c, xcb_window_t(window->winId()), &m);
+    return m;
 }
 
 QMargins frameExtentsBeforeShowing(QWidget *window, bool ask)
 {
-    auto *x11 = qApp ? qApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-    xcb_connection_t *c = x11 ? x11->connection() : nullptr;
+    xcb_connection_t *c = x11::connection();
     if (!c || !window) return {};
     const auto w = xcb_window_t(window->winId());
-    const xcb_atom_t extents = atom(c, "_NET_FRAME_EXTENTS");
+    // The window manager counts device pixels; in the window's units, rounded up.
+    const qreal ratio = window->devicePixelRatioF();
+    const auto units = [ratio](const QMargins &m) {
+        const auto u = [ratio](int px) { return int(std::ceil(px / ratio)); };
+        return QMargins(u(m.left()), u(m.top()), u(m.right()), u(m.bottom()));
+    };
     QMargins m;
     // Set by the window manager once it has managed the window, and kept while it is hidden.
-    if (readExtents(c, w, extents, window->devicePixelRatioF(), &m) || !ask) return m;
+    if (readExtents(c, w, &m) || !ask) return units(m);
     xcb_client_message_event_t ev = {};
     ev.response_type = XCB_CLIENT_MESSAGE;
     ev.format = 32;
     ev.window = w;
-    ev.type = atom(c, "_NET_REQUEST_FRAME_EXTENTS");
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(c)).data->root;
-    xcb_send_event(c, 0, root,
+    ev.type = x11::atom(c, "_NET_REQUEST_FRAME_EXTENTS");
+    xcb_send_event(c, 0, x11::root(c),
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char *>(&ev));
     xcb_flush(c);
@@ -61,7 +51,7 @@ QMargins frameExtentsBeforeShowing(QWidget *window, bool ask)
     QElapsedTimer waited;
     waited.start();
     while (waited.elapsed() < 300) {
-        if (readExtents(c, w, extents, window->devicePixelRatioF(), &m)) return m;
+        if (readExtents(c, w, &m)) return units(m);
         QThread::msleep(5);
     }
     return {};

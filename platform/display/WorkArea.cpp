@@ -1,14 +1,12 @@
 #include "platform/display/WorkArea.h"
 
+#include "platform/display/X11.h"
+
 #include <QGuiApplication>
 #include <QLoggingCategory>
 #include <QScreen>
-#include <QtGui/qguiapplication_platform.h>
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
-#include <cstring>
-#include <xcb/xcb.h>
 
 Q_LOGGING_CATEGORY(lcWorkArea, "vantrel.display", QtWarningMsg)
 
@@ -63,53 +61,25 @@ QRect usableArea(const QRect &monitor, const QSize &root, const QRect &workArea,
 
 namespace {
 
-xcb_atom_t atom(xcb_connection_t *c, const char *name)
-{
-    xcb_intern_atom_reply_t *r =
-        xcb_intern_atom_reply(c, xcb_intern_atom(c, 1, quint16(std::strlen(name)), name), nullptr);
-    const xcb_atom_t a = r ? r->atom : xcb_atom_t(XCB_ATOM_NONE);
-    std::free(r);
-    return a;
-}
-
-// A property of 32-bit items, at most max of them.
-QList<quint32> cardinals(xcb_connection_t *c, xcb_window_t w, xcb_atom_t property, xcb_atom_t type,
-                         quint32 max)
-{
-    QList<quint32> out;
-    if (property == XCB_ATOM_NONE) return out;
-    xcb_get_property_reply_t *r =
-        xcb_get_property_reply(c, xcb_get_property(c, 0, w, property, type, 0, max), nullptr);
-    if (r && r->format == 32) {
-        const auto *v = static_cast<const quint32 *>(xcb_get_property_value(r));
-        out = QList<quint32>(v, v + xcb_get_property_value_length(r) / 4);
-    }
-    std::free(r);
-    return out;
-}
-
 // The root's size, the current desktop's work area and the panels' struts; false without X11.
 bool readDesktop(QSize *root, QRect *workArea, QList<Strut> *struts)
 {
-    auto *x11 = qApp ? qApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-    xcb_connection_t *c = x11 ? x11->connection() : nullptr;
+    xcb_connection_t *c = x11::connection();
     if (!c) return false;
     const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(c)).data;
     *root = QSize(screen->width_in_pixels, screen->height_in_pixels);
     const QList<quint32> desktop =
-        cardinals(c, screen->root, atom(c, "_NET_CURRENT_DESKTOP"), XCB_ATOM_CARDINAL, 1);
+        x11::cardinals(c, screen->root, "_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL, 1);
     const quint32 d = desktop.isEmpty() ? 0 : desktop[0];
     const QList<quint32> areas =
-        cardinals(c, screen->root, atom(c, "_NET_WORKAREA"), XCB_ATOM_CARDINAL, 4 * (d + 1));
+        x11::cardinals(c, screen->root, "_NET_WORKAREA", XCB_ATOM_CARDINAL, 4 * (d + 1));
     if (areas.size() >= 4 * qsizetype(d + 1))
         *workArea = QRect(int(areas[4 * d]), int(areas[4 * d + 1]), int(areas[4 * d + 2]),
                           int(areas[4 * d + 3]));
-    const xcb_atom_t partial = atom(c, "_NET_WM_STRUT_PARTIAL"), plain = atom(c, "_NET_WM_STRUT");
-    for (quint32 w :
-         cardinals(c, screen->root, atom(c, "_NET_CLIENT_LIST"), XCB_ATOM_WINDOW, 4096)) {
-        QList<quint32> v = cardinals(c, w, partial, XCB_ATOM_CARDINAL, 12);
+    for (quint32 w : x11::cardinals(c, screen->root, "_NET_CLIENT_LIST", XCB_ATOM_WINDOW, 4096)) {
+        QList<quint32> v = x11::cardinals(c, w, "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL, 12);
         if (v.size() < 12) {
-            v = cardinals(c, w, plain, XCB_ATOM_CARDINAL, 4);
+            v = x11::cardinals(c, w, "_NET_WM_STRUT", XCB_ATOM_CARDINAL, 4);
             if (v.size() < 4) continue;
             // The old form covers whole edges.
             const int h = root->height() - 1, wd = root->width() - 1;
