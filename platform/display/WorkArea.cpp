@@ -12,6 +12,13 @@ Q_LOGGING_CATEGORY(lcWorkArea, "vantrel.display", QtWarningMsg)
 
 namespace fw {
 
+// A strut along whole edges of the root.
+static Strut wholeEdges(int left, int right, int top, int bottom, const QSize &root)
+{
+    const int h = root.height() - 1, w = root.width() - 1;
+    return {left, right, top, bottom, 0, h, 0, h, 0, w, 0, w};
+}
+
 QRect usableArea(const QRect &monitor, const QSize &root, const QRect &workArea,
                  const QList<Strut> &struts)
 {
@@ -19,18 +26,8 @@ QRect usableArea(const QRect &monitor, const QSize &root, const QRect &workArea,
     if (workArea.isValid()) {
         // The window manager's own margin along an edge: what its work area keeps beyond the
         // panels.
-        Strut own{workArea.left(),
-                  root.width() - 1 - workArea.right(),
-                  workArea.top(),
-                  root.height() - 1 - workArea.bottom(),
-                  0,
-                  root.height() - 1,
-                  0,
-                  root.height() - 1,
-                  0,
-                  root.width() - 1,
-                  0,
-                  root.width() - 1};
+        Strut own = wholeEdges(workArea.left(), root.width() - 1 - workArea.right(), workArea.top(),
+                               root.height() - 1 - workArea.bottom(), root);
         for (const Strut &s : struts) {
             if (s.left >= own.left) own.left = 0;
             if (s.right >= own.right) own.right = 0;
@@ -77,16 +74,16 @@ bool readDesktop(QSize *root, QRect *workArea, QList<Strut> *struts)
         *workArea = QRect(int(areas[4 * d]), int(areas[4 * d + 1]), int(areas[4 * d + 2]),
                           int(areas[4 * d + 3]));
     for (quint32 w : x11::cardinals(c, screen->root, "_NET_CLIENT_LIST", XCB_ATOM_WINDOW, 4096)) {
-        QList<quint32> v = x11::cardinals(c, w, "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL, 12);
-        if (v.size() < 12) {
-            v = x11::cardinals(c, w, "_NET_WM_STRUT", XCB_ATOM_CARDINAL, 4);
-            if (v.size() < 4) continue;
-            // The old form covers whole edges.
-            const int h = root->height() - 1, wd = root->width() - 1;
-            v << 0 << h << 0 << h << 0 << wd << 0 << wd;
-        }
+        const QList<quint32> p =
+            x11::cardinals(c, w, "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL, 12);
+        const QList<quint32> v =
+            p.size() == 12 ? p : x11::cardinals(c, w, "_NET_WM_STRUT", XCB_ATOM_CARDINAL, 4);
         const auto i = [&v](int k) { return int(std::min<quint32>(v[k], 1u << 20)); };
-        struts->append({i(0), i(1), i(2), i(3), i(4), i(5), i(6), i(7), i(8), i(9), i(10), i(11)});
+        if (v.size() == 12)
+            struts->append(
+                {i(0), i(1), i(2), i(3), i(4), i(5), i(6), i(7), i(8), i(9), i(10), i(11)});
+        else if (v.size() == 4) // the old form covers whole edges
+            struts->append(wholeEdges(i(0), i(1), i(2), i(3), *root));
     }
     return true;
 }
