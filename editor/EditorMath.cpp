@@ -17,6 +17,24 @@ WindowPlacement loadImageGeometry(QSize picture, const fw::ScreenInfo &s)
     return p;
 }
 
+FormulaScreen formulaScreen(const QRect &work, const QMargins &chrome)
+{
+    FormulaScreen f{};
+    f.screen.Width = f.screen.AvailableWidth = work.width() - chrome.left() - chrome.right();
+    f.screen.Height = work.height() - chrome.top() - chrome.bottom() + 100;
+    // The maximum height (available less 25) is then all the room there is.
+    f.screen.AvailableHeight = f.screen.Height - 100 + 25;
+    f.origin = QPoint(work.left() + chrome.left(), work.top() + chrome.top() - 100);
+    return f;
+}
+
+QRect onDesktop(const WindowPlacement &p, const FormulaScreen &f)
+{
+    const int width = std::max(std::min(p.Width, f.screen.AvailableWidth), 1);
+    const int height = std::max(std::min(p.Height, f.screen.Height - 100), 1);
+    return QRect(f.origin + QPoint(p.Left, p.Top), QSize(width, height));
+}
+
 double scaleFactor(int currentscale)
 {
     const double f = currentscale / 100.0;

@@ -6,6 +6,7 @@
 #include "platform/core/Numbers.h"
 #include "platform/display/Screen.h"
 
+#include <QMargins>
 #include <QPoint>
 #include <QRect>
 #include <QSize>
@@ -21,6 +22,20 @@ struct WindowPlacement {
 };
 // Size and place of the editor's content area for a picture of the given size.
 WindowPlacement loadImageGeometry(QSize picture, const fw::ScreenInfo &screen);
+
+// The formulas' screen on this desktop. The formulas keep 100 pixels above the content (the
+// height less 100, the top at 100 at least) for what stands above a window's content on the
+// desktop they were written for: menu bar, title bar and tool bar. Here that room is the window's
+// own frame and bars, so it is counted once: the formulas' screen is the work area less the
+// window's frame and bars around its content (chrome), with those 100 rows added above it.
+struct FormulaScreen {
+    fw::ScreenInfo screen;
+    QPoint origin; // where the formulas' 0,0 lies on the desktop
+};
+FormulaScreen formulaScreen(const QRect &workArea, const QMargins &chrome);
+// The content's place on the desktop; where the floors ask for more than the work area holds
+// (a small screen at a large scale factor), the content's size gives way.
+QRect onDesktop(const WindowPlacement &p, const FormulaScreen &f);
 
 // The factor for a scale in percent: 0 and anything above 1000 draw at 1.0.
 double scaleFactor(int currentscale);

@@ -166,11 +166,24 @@ void Window1::openControls() { BevelButton1_Open(); }
 
 int Window1::barsHeight() const
 {
-    return (menuBar ? menuBar->sizeHint().height() : 0) + (toolBar ? toolBar->sizeHint().height() : 0);
+    return (menuBar ? menuBar->sizeHint().height() : 0) +
+           (toolBar ? qMax(toolBar->sizeHint().height(), toolBar->minimumHeight()) : 0);
+}
+
+// Narrower than the items with their captions, the bar shows their pictures only (a caption stays
+// the item's tool tip and accessible name), so that all seven stay in reach; the bar keeps its
+// height, so that the content below it stays where it is.
+void Window1::fitToolbar(int width)
+{
+    if (toolBar->toolButtonStyle() == Qt::ToolButtonTextUnderIcon) m_captionedToolbar = toolBar->sizeHint();
+    toolBar->setMinimumHeight(m_captionedToolbar.height());
+    toolBar->setToolButtonStyle(width < m_captionedToolbar.width() ? Qt::ToolButtonIconOnly
+                                                                   : Qt::ToolButtonTextUnderIcon);
 }
 
 void Window1::layoutFor(const QSize &size)
 {
+    if (toolBar) fitToolbar(size.width());
     const int bars = barsHeight();
     const int menuHeight = menuBar ? menuBar->sizeHint().height() : 0;
     if (menuBar) menuBar->setGeometry(0, 0, size.width(), menuHeight);
@@ -218,12 +231,14 @@ bool Window1::Event_MouseDown(int x, int y)
 {
     xdown = x;
     ydown = y;
+    holdForMove();
     return true;
 }
 
 void Window1::Event_MouseDrag(int x, int y)
 {
-    moveContentTo(Left() + x - xdown, Top() + y - ydown);
+    // To the device pixel where the platform can; a scaled screen's units are several.
+    if (!moveWithPointer()) moveContentTo(Left() + x - xdown, Top() + y - ydown);
 }
 
 void Window1::AddMenuHandlers()

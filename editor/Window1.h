@@ -126,10 +126,13 @@ protected:
     void layoutFor(const QSize &size) override;
 
 private:
+    // Pictures only, the captions as tool tips, where the window is narrower than the items.
+    void fitToolbar(int width);
     void buildControls();
     void connectControls();
     void setCanvasCursor(const QCursor *cursor);
 
     fw::Canvas *m_content = nullptr; // the background below the bars
     fw::ControlLayout m_layout{designSize};
+    QSize m_captionedToolbar; // the tool bar's size with captions under the pictures
 };

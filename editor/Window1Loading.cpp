@@ -5,9 +5,9 @@
 #include "editor/Window1.h"
 
 #include "platform/core/Logging.h"
+#include "platform/display/WorkArea.h"
 #include "platform/framework/Application.h"
 #include "platform/framework/Canvas.h"
-#include "platform/display/Screen.h"
 #include "prefs/Preferences.h"
 #include "prefs/prefwin.h"
 
@@ -21,19 +21,19 @@ void Window1::loadimage(const QString &scale)
     ScaledImage = getscaledimage();
     if (ScaledImage.isNull()) return;
 
-    // The screen of the formulas is the primary monitor's work area less what the window adds
-    // to its content (its bars, and its frame once the window manager has told it), so that
-    // the whole window stands on screen, below a top panel.
-    const QMargins frame = frameMargins();
-    int x0 = 0, y0 = 0;
-    const fw::ScreenInfo screen = fw::usableScreen0(frame.left() + frame.right(),
-                                                    barsHeight() + frame.top() + frame.bottom(), &x0, &y0);
+    // The formulas' screen: the primary monitor's work area less what the window adds around
+    // its content (its bars, and its frame once the window manager has told it).
+    const editor::FormulaScreen screen = editor::formulaScreen(
+        fw::primaryWorkArea(), frameMargins() + QMargins(0, barsHeight(), 0, 0));
     // The picture's size in the window's units: on a scaled screen it is shown in fewer of them.
     const qreal r = canvasPixelRatio();
     const QSize picture(editor::toInt(std::ceil(ScaledImage.width() / r)),
                         editor::toInt(std::ceil(ScaledImage.height() / r)));
-    const editor::WindowPlacement g = editor::loadImageGeometry(picture, screen);
-    setBounds(x0 + frame.left() + g.Left, y0 + frame.top() + barsHeight() + g.Top, g.Width, g.Height);
+    const editor::WindowPlacement g = editor::loadImageGeometry(picture, screen.screen);
+    const QRect content = editor::onDesktop(g, screen);
+    // The smallest window gives way where the work area cannot hold it.
+    setMinSize(qMin(300, content.width()), qMin(200, content.height()));
+    setBounds(content.x(), content.y(), content.width(), content.height());
     setMaxHeight(g.MaxHeight);
     setMaxWidth(g.MaxWidth);
 

@@ -4,6 +4,9 @@
 
 #include "platform/core/Failure.h"
 #include "platform/core/Picture.h"
+#include "platform/display/DevicePixels.h"
+#include "platform/display/ToolWindow.h"
+#include "platform/display/WorkArea.h"
 #include "platform/framework/Application.h"
 #include "platform/framework/Canvas.h"
 
@@ -22,7 +25,7 @@ recentwin::recentwin(fw::Services &services, fw::WindowRegistry &registry)
     fw::Application::instance().addQuitShortcut(this);
     setWindowTitle(QStringLiteral("Untitled")); // a drawer shows no title of its own
     setWindowRole(QStringLiteral("drawer"));
-    // A tool window with no title bar of its own: it belongs to the editor and moves with it.
+    // A tool of the editor with no title bar of its own: it moves with the editor.
     setWindowFlag(Qt::Tool, true);
     setWindowFlag(Qt::FramelessWindowHint, true);
     setMinimumSize(150, 64);
@@ -117,7 +120,7 @@ void recentwin::followEditor()
     if (!editor) return;
     const QRect frame = editor->frameGeometry();
     const QScreen *screen = editor->screen() ? editor->screen() : QGuiApplication::primaryScreen();
-    const QRect area = screen ? screen->availableGeometry() : QRect(frame.topLeft(), QSize(32000, 32000));
+    const QRect area = screen ? fw::workArea(screen) : QRect(frame.topLeft(), QSize(32000, 32000));
     // Against the editor's right edge, its top level with the editor's content; where the
     // screen has no room there, against the left edge; where neither side has room, inside the
     // editor's right edge, on screen.
@@ -125,12 +128,18 @@ void recentwin::followEditor()
     if (x + width() > area.right() + 1) x = frame.left() - width();
     if (x < area.left()) x = area.right() + 1 - width();
     setGeometry(QRect(QPoint(x, editor->Top()), size()));
+    // Against the editor's frame to the device pixel, which whole units may miss on a scaled
+    // screen.
+    if (x != area.right() + 1 - width())
+        fw::placeAgainst(this, editor, x > frame.left(), editor->Top() - editor->geometry().y());
 }
 
+// Before the window is mapped: what the window manager is told about it goes first.
 void recentwin::showEvent(QShowEvent *e)
 {
     fw::Window::showEvent(e);
     if (m_editor) {
+        fw::makeToolOf(this, m_editor);
         m_editor->installEventFilter(this);
         followEditor();
     }

@@ -10,4 +10,6 @@ namespace fw {
 // ask: request the extents and wait for them (a fraction of a second at most); otherwise only
 // read what the window manager has set on the window.
 QMargins frameExtentsBeforeShowing(QWidget *window, bool ask);
+// What the window manager has set, in device pixels.
+QMargins frameExtentsInPixels(QWidget *window);
 } // namespace fw

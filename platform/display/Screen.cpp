@@ -1,30 +1,22 @@
 #include "platform/display/Screen.h"
 
+#include "platform/display/WorkArea.h"
+
 #include <QGuiApplication>
+#include <QRect>
 #include <QScreen>
 
 namespace fw {
-
-ScreenInfo usableScreen0(int chromeAcross, int chromeDown, int *originX, int *originY)
-{
-    ScreenInfo s;
-    *originX = *originY = 0;
-    const QScreen *screen = QGuiApplication::primaryScreen();
-    if (!screen) return s;
-    const QRect work = screen->availableGeometry();
-    *originX = work.left();
-    *originY = work.top();
-    s.Width = s.AvailableWidth = work.width() - chromeAcross;
-    s.Height = s.AvailableHeight = work.height() - chromeDown;
-    return s;
-}
 
 QPoint centredOnScreen0(const QSize &size)
 {
     const QScreen *screen = QGuiApplication::primaryScreen();
     if (!screen) return {};
-    const QRect full = screen->geometry();
-    return full.topLeft() + QPoint((full.width() - size.width()) / 2, (full.height() - size.height()) / 2);
+    const QRect full = screen->geometry(), work = primaryWorkArea();
+    const QPoint centred = full.topLeft() + QPoint((full.width() - size.width()) / 2,
+                                                   (full.height() - size.height()) / 2);
+    return QPoint(qMax(work.left(), qMin(centred.x(), work.right() + 1 - size.width())),
+                  qMax(work.top(), qMin(centred.y(), work.bottom() + 1 - size.height())));
 }
 
 } // namespace fw

@@ -1,6 +1,7 @@
 #include "platform/framework/Window.h"
 
 #include "platform/core/Failure.h"
+#include "platform/display/DevicePixels.h"
 #include "platform/display/FrameExtents.h"
 #include "platform/framework/WindowRegistry.h"
 
@@ -110,6 +111,19 @@ QMargins Window::frameMargins() const
     }
     return QMargins(content.left() - frame.left(), content.top() - frame.top(),
                     frame.right() - content.right(), frame.bottom() - content.bottom());
+}
+
+bool Window::holdForMove()
+{
+    QPoint hold;
+    m_hold.reset();
+    if (pointerHold(this, &hold)) m_hold = hold;
+    return bool(m_hold);
+}
+
+bool Window::moveWithPointer()
+{
+    return m_hold && moveHeld(this, *m_hold);
 }
 
 void Window::Show() { show(); }

@@ -56,6 +56,10 @@ public:
     void setMaxWidth(int v);
     void setMaxHeight(int v);
     void setMinSize(int w, int h);
+    // A move by the pointer from where a press held the window, to the device pixel where the
+    // platform can; false where it cannot.
+    bool holdForMove();
+    bool moveWithPointer();
     // What the window manager's frame adds around the content, once known (else nothing).
     QMargins frameMargins() const;
 
@@ -85,6 +89,7 @@ private:
     int m_maxW = 32000, m_maxH = 32000;
     int m_minW = 0, m_minH = 0;
     mutable bool m_frameAsked = false;
+    std::optional<QPoint> m_hold; // the window's top left less the pointer, in device pixels
 };
 
 } // namespace fw

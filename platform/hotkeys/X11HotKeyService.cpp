@@ -1,6 +1,6 @@
 #include "platform/hotkeys/X11HotKeyService.h"
 
-#include "platform/core/X11Connection.h"
+#include "platform/core/X11.h"
 
 #include <QCoreApplication>
 #include <cstdlib>
@@ -16,9 +16,9 @@ static constexpr quint16 kIgnoredMasks[] = {0, XCB_MOD_MASK_LOCK, XCB_MOD_MASK_2
 
 std::unique_ptr<HotKeyService> X11HotKeyService::createIfAvailable(QObject *parent)
 {
-    xcb_connection_t *conn = x11Connection();
+    xcb_connection_t *conn = x11::connection();
     if (!conn) return std::make_unique<NullHotKeyService>(parent);
-    return std::make_unique<X11HotKeyService>(conn, x11RootWindow(), parent);
+    return std::make_unique<X11HotKeyService>(conn, x11::root(conn), parent);
 }
 
 X11HotKeyService::X11HotKeyService(xcb_connection_t *connection, quint32 rootWindow,

@@ -1,7 +1,7 @@
 #include "platform/system/Clipboard.h"
 
 #include "platform/core/Logging.h"
-#include "platform/core/X11Connection.h"
+#include "platform/core/X11.h"
 
 #include <QBuffer>
 #include <QClipboard>
@@ -56,8 +56,8 @@ QByteArray xclipOut(const QString &target, const QDeadlineTimer &deadline)
 
 quint32 Clipboard::owner()
 {
-    xcb_connection_t *conn = x11Connection();
-    const xcb_atom_t clipboard = conn ? x11Atom(conn, "CLIPBOARD") : xcb_atom_t(XCB_ATOM_NONE);
+    xcb_connection_t *conn = x11::connection();
+    const xcb_atom_t clipboard = conn ? x11::atom(conn, "CLIPBOARD") : xcb_atom_t(XCB_ATOM_NONE);
     if (clipboard == XCB_ATOM_NONE) return 0;
     xcb_get_selection_owner_reply_t *reply =
         xcb_get_selection_owner_reply(conn, xcb_get_selection_owner(conn, clipboard), nullptr);

@@ -34,6 +34,10 @@ class CaptureTest(E2ETestCase):
         x, y, w, h = self.assert_editor_shows(wid, self.known)
         self.assertGreater(h - 250, 0, "a menu bar above the content")
         self.assertEqual((x, y + h - 250), expected_content_origin(s, wid, 300, 250, panel=40))
+        s.click(x + w - 20, y + 45)  # all of the tool bar is in reach at 300 pixels: Preferences
+        prefs = wait_for(lambda: s.windows(name="^Preferences$"), 3.0)
+        self.assertTrue(prefs, "Preferences in one click")
+        s.close_box(prefs[0])
 
         # The close box hides; the process lives; the hot key brings the same window back.
         s.close_box(wid)
@@ -51,6 +55,50 @@ class CaptureTest(E2ETestCase):
         s.key("ctrl+q")
         self.assertEqual(s.wait_exit(5), 0)
         self.assertIn("<key>QuartzScaling</key>", s.run("plistutil", "-i", plist, "-f", "xml", check=False).stdout)
+
+        # Twice the density and a scale factor of 2 (four pixels a unit): still on the work area.
+        s.run("sh", "-c", "echo 'Xft.dpi: 192' | xrdb -merge")
+        s.env["QT_SCALE_FACTOR"] = "2"
+        s.start()
+        self.assert_inside(s.open_editor(), (0, 40, 1280, 984))
+
+
+class LaptopScreenTest(E2ETestCase):
+    """A laptop's screen with a panel: a picture as tall as the work area allows shows whole, in a
+    window that fills the work area's height."""
+    screen, top_panel = "1366x768", 30
+
+    def test_the_tallest_picture_that_fits_fills_the_work_area(self):
+        s, (width, height) = self.s, map(int, self.screen.split("x"))
+        s.start()
+        wid = s.open_editor(s.picture("tall.png", "400x2000", "xc:navy"))
+        x, y, w, h = self.assert_inside(wid, (0, self.top_panel, width, height - self.top_panel))
+        _, _, top, bottom = s.frame_extents(wid)
+        self.assertGreaterEqual(top + h + bottom, height - self.top_panel - 10, "the window fills the height")
+
+
+class SmallScreenTest(LaptopScreenTest):
+    screen, top_panel = "1024x768", 0
+
+
+class TwoMonitorsTest(E2ETestCase):
+    """A 1366x768 monitor left of the primary 1920x1080 one, a panel at the top of both (the
+    window manager's margin) and one at the bottom of the primary (a panel's strut): the program's
+    windows stand in the primary monitor's work area, which Qt does not know."""
+    screen, top_panel = "3286x1080", 30
+    monitors = ("+P 1920/508x1080/286+1366+0 screen", "L 1366/361x768/203+0+0 none")
+
+    def test_the_splash_the_editor_and_preferences_stand_in_the_primary_work_area(self):
+        s, area = self.s, (1366, 30, 1920, 1020)
+        s.daemon("trayer", "--edge", "bottom", "--monitor", "1", "--widthtype", "pixel", "--width", "200",
+                 "--height", "30", "--SetDockType", "true", "--SetPartialStrut", "true")
+        time.sleep(0.5)
+        s.start(wait_splash=False)
+        self.assert_inside(wait_for(lambda: s.of_role("splash"), 5.0)[0], area)
+        self.assertTrue(wait_for(lambda: not s.of_role("splash"), 4.0))
+        x, y, w, h = self.assert_inside(s.open_editor(s.picture("tall.png", "900x3000", "xc:navy")), area)
+        s.click(x + w - 20, y + 45)
+        self.assert_inside(wait_for(lambda: s.windows(name="^Preferences$"), 3.0)[0], area)
 
 
 class SplashTest(E2ETestCase):

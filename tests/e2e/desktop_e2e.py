@@ -66,8 +66,13 @@ class CaptureRoadTest(E2ETestCase):
         s.capture_puts(self.known)
         s.start()
         s.run("xdotool", "keydown", "ctrl+shift+2", "sleep", "1", "keyup", "ctrl+shift+2")
-        self.assert_editor_shows(wait_for(lambda: s.of_role("editor"), 3.0)[0], self.known, scale=2)
+        wid = wait_for(lambda: s.of_role("editor"), 3.0)[0]
+        x, y, w, h = self.assert_editor_shows(wid, self.known, scale=2)
         self.assertEqual(len(s.capture_calls()), 1, "a held key captures once")
+        # Dragged by the background an odd number of pixels, two to a unit: moved by exactly that.
+        s.run("xdotool", "mousemove", str(x + w - 3), str(y + h - 3), "mousedown", "1", "sleep", "0.1",
+              "mousemove", str(x + w + 12), str(y + h + 2), "sleep", "0.2", "mouseup", "1")
+        self.assertTrue(wait_for(lambda: s.geometry(wid)[:2] == (x + 15, y + 5), 2.0), s.geometry(wid))
 
         # Like a user's own helper: xclip is started and the helper is gone at once.
         s.run("sh", "-c", f"xclip -selection clipboard -t image/png -i '{self.old}' >/dev/null 2>&1")
@@ -116,6 +121,10 @@ class WindowsTest(E2ETestCase):
             x += 30
         s.click(x + w - 121, y + 45)  # Recent
         drawer = wait_for(lambda: s.of_role("drawer"), 3.0)[0]
+        # A tool of the editor, out of the task bar, that leaves the focus where it was.
+        self.assertIn(f"window id # {hex(wid)}", s.run("xprop", "-id", str(drawer), "WM_TRANSIENT_FOR").stdout)
+        self.assertIn("_NET_WM_STATE_SKIP_TASKBAR", s.run("xprop", "-id", str(drawer), "_NET_WM_STATE").stdout)
+        self.assertEqual(s.run("xdotool", "getactivewindow").stdout.split(), [str(wid)])
         for to in ((100, 150), (300, 250)):
             s.run("xdotool", "windowmove", "--sync", str(wid), str(to[0]), str(to[1]))
             time.sleep(0.5)

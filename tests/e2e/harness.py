@@ -35,25 +35,25 @@ def read(path, mode="r"):
 
 def expected_content_origin(s, wid, width, height, panel=0):
     """Where the editor's content of this size must stand: centred in the work area less the
-    window's bars and frame, and not above 100."""
+    window's bars and frame, with 100 rows above that the content never enters."""
     x, y, w, h = s.geometry(wid)
     left, right, top, bottom = s.frame_extents(wid)
     bars = h - height
     return (left + max((1280 - left - right - width) // 2, 0),
-            panel + top + bars + max((1024 - panel - bars - top - bottom - height) // 2, 100))
+            panel + top + bars + max((1024 - panel - bars - top - bottom - height - 100) // 2, 0))
 
 
 class Session:
     """One display (Xvfb, openbox, maybe a compositor) and one home for runs of the program."""
 
-    def __init__(self, compositor=False, top_panel=0, dpi=None):
+    def __init__(self, compositor=False, top_panel=0, dpi=None, screen="1280x1024", monitors=()):
         self.tmp = tempfile.mkdtemp(prefix="vantrel-e2e-")
         self.home, self.bin = os.path.join(self.tmp, "home"), os.path.join(self.tmp, "bin")
         self.config, runtime = os.path.join(self.home, ".config"), os.path.join(self.tmp, "runtime")
         for d in (self.home, self.bin, self.config, runtime):
             os.makedirs(d, mode=0o700, exist_ok=True)
         r, w = os.pipe()
-        self.procs = [subprocess.Popen(["Xvfb", "-displayfd", str(w), "-screen", "0", "1280x1024x24", "-nolisten",
+        self.procs = [subprocess.Popen(["Xvfb", "-displayfd", str(w), "-screen", "0", screen + "x24", "-nolisten",
                                         "tcp", "-noreset"], pass_fds=(w,), stdout=DEVNULL, stderr=DEVNULL)]
         os.close(w)
         with os.fdopen(r) as f:  # Xvfb writes the display's number once it listens
@@ -65,6 +65,8 @@ class Session:
                         # No session bus unless a test brings one: never autolaunch a daemon.
                         DBUS_SESSION_BUS_ADDRESS="unix:path=" + os.path.join(runtime, "no-bus"),
                         PATH=self.bin + ":/usr/local/bin:/usr/bin:/bin")
+        for m in monitors:  # xrandr's --setmonitor arguments; a name with "+" is the primary
+            self.run("xrandr", "--setmonitor", *m.split())
         if dpi:
             self.run("sh", "-c", f"echo 'Xft.dpi: {dpi}' | xrdb -merge")
         rc = os.path.join(self.tmp, "openbox.xml")  # a panel keeps space free at the top
@@ -260,15 +262,23 @@ class A11y:
 
 class E2ETestCase(unittest.TestCase):
     """A test with a display and a home of its own (`self.s`). Subclasses set `accessible` to read
-    widgets through AT-SPI, `compositor`, `top_panel` or `dpi` for the desktop they need."""
+    widgets through AT-SPI, `compositor`, `top_panel`, `dpi`, `screen` or `monitors` for the desktop
+    they need."""
 
-    accessible, compositor, top_panel, dpi = False, False, 0, None
+    accessible, compositor, top_panel, dpi, screen, monitors = False, False, 0, None, "1280x1024", ()
 
     def setUp(self):
         # A display of its own per test: a clipboard owner left by one test must not feed the next.
-        self.s = Session(self.compositor, self.top_panel, self.dpi)
+        self.s = Session(self.compositor, self.top_panel, self.dpi, self.screen, self.monitors)
         self.addCleanup(self.s.close)
         self.a11y = A11y(self.s) if self.accessible else None
+
+    def assert_inside(self, wid, area):
+        """The window, frame included, stands wholly in the area (x, y, width, height); its content."""
+        (x, y, w, h), (left, right, top, bottom) = self.s.geometry(wid), self.s.frame_extents(wid)
+        self.assertTrue(area[0] <= x - left and area[1] <= y - top and x + w + right <= area[0] + area[2]
+                        and y + h + bottom <= area[1] + area[3], ((x, y, w, h), area))
+        return x, y, w, h
 
     def assert_editor_shows(self, wid, picture, scale=1):
         """The editor shows the 200x120 picture one to one, centred one pixel in a canvas of the

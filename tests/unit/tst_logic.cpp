@@ -10,6 +10,7 @@
 #include "platform/desktop/DesktopEntry.h"
 #include "platform/system/LaunchCommand.h"
 #include "platform/hotkeys/PortalHotKeyService.h"
+#include "platform/display/WorkArea.h"
 #include "platform/portal/PortalRequest.h"
 #include "platform/hotkeys/X11HotKeyService.h"
 #include "recent/RecentMath.h"
@@ -60,6 +61,34 @@ private slots:
             QCOMPARE(QRect(p.Left, p.Top, p.Width, p.Height), c.expected);
             QCOMPARE(p.MaxHeight, c.available.height() - 25);
             QCOMPARE(p.MaxWidth, c.available.width());
+        }
+        // On a work area, with the window's frame and bars (chrome) around the content: the
+        // window fills the work area's height at most; the floors give way on a tiny one.
+        const struct { QSize picture; QRect work; QMargins chrome; QRect content; int maxHeight; } desktops[] = {
+            {{600, 2000}, {0, 0, 1024, 768}, {1, 109, 1, 5}, {204, 109, 616, 654}, 654},
+            {{700, 500}, {0, 30, 1366, 738}, {1, 109, 1, 5}, {325, 139, 716, 591}, 624},
+            {{10, 10}, {1366, 30, 1920, 1050}, {1, 109, 1, 5}, {2176, 432, 300, 250}, 936},
+            {{10, 10}, {0, 10, 320, 246}, {0, 85, 0, 1}, {10, 95, 300, 160}, 160},
+        };
+        for (const auto &c : desktops) {
+            const FormulaScreen f = formulaScreen(c.work, c.chrome);
+            const WindowPlacement p = loadImageGeometry(c.picture, f.screen);
+            QCOMPARE(onDesktop(p, f), c.content);
+            QCOMPARE(p.MaxHeight, c.maxHeight);
+        }
+        // The primary monitor (right of a 1366x768 one) less the panels that reach into it and
+        // the window manager's own margins; a panel as deep as the work area's edge is no margin.
+        const QRect left(0, 0, 1366, 768), primary(1366, 0, 1920, 1080);
+        const struct { QRect workArea; QList<fw::Strut> struts; QRect usableLeft, usablePrimary; } areas[] = {
+            {{0, 30, 3286, 1050}, {}, {0, 30, 1366, 738}, {1366, 30, 1920, 1050}},
+            {{0, 0, 3286, 1050}, {{0, 0, 0, 30, 0, 0, 0, 0, 0, 0, 3086, 3285}}, left, {1366, 0, 1920, 1050}},
+            {{0, 0, 3286, 738}, {{0, 0, 0, 342, 0, 0, 0, 0, 0, 0, 0, 1365}}, {0, 0, 1366, 738}, primary},
+            {{48, 0, 3238, 1080}, {{48, 0, 0, 0, 0, 1079, 0, 0, 0, 0, 0, 0}}, {48, 0, 1318, 768}, primary},
+            {{}, {{0, 1920, 0, 0, 0, 0, 0, 1079, 0, 0, 0, 0}}, left, primary}, // covers it all: not trusted
+        };
+        for (const auto &c : areas) {
+            QCOMPARE(fw::usableArea(left, {3286, 1080}, c.workArea, c.struts), c.usableLeft);
+            QCOMPARE(fw::usableArea(primary, {3286, 1080}, c.workArea, c.struts), c.usablePrimary);
         }
     }
 
