@@ -4,6 +4,7 @@
 #include "TestSupport.h"
 
 #include "app/MenuBar1.h"
+#include "app/splash.h"
 #include "editor/Caption.h"
 #include "editor/EditorMath.h"
 #include "editor/Window1.h"
@@ -65,6 +66,24 @@ private slots:
         QCOMPARE(recentwin::instance().recentimages.size(), 1);
         QCOMPARE(t.app->process, QString("LoadTypeMenu"));
         QVERIFY(t.app->messages.isEmpty());
+    }
+
+    // A capture asked for at start (served inside the splash's show) whose selection outlasts the
+    // splash's timer: the splash closes under it and is deleted only after ShowModal.
+    void aCaptureOutlastingTheSplash_endsCleanly()
+    {
+        TestProgram t(false);
+        t.app->showSplash = [&] { t.app->showTheSplash(); };
+        t.runner->onRun = [](const QStringList &) {
+            QEventLoop busy;
+            QTimer::singleShot(1700, &busy, &QEventLoop::quit);
+            busy.exec();
+            QGuiApplication::clipboard()->setImage(patternImage(20, 20));
+        };
+        QTimer::singleShot(0, [&] { t.pressHotKey(); });
+        t.app->_Startup();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // the splash goes
+        QVERIFY(Window1::instance().isVisible() && !t.app->windows().existing<splash>());
     }
 
     // What the capture leaves on the clipboard: nothing, or text, is silence; a broken picture or
