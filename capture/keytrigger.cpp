@@ -8,6 +8,7 @@
 #include "platform/core/Failure.h"
 #include "platform/hotkeys/HotKeyService.h"
 #include "platform/framework/Services.h"
+#include "platform/framework/StandStill.h"
 #include "recent/recentwin.h"
 
 #include <QApplication>
@@ -40,6 +41,7 @@ void keytrigger::Event_HotKeyPressed(quint32 hotkeysignature, int)
     if (m_capturing || fw::Application::ending()) return;
     if (QWidget *modal = QApplication::activeModalWidget(); modal && !modal->inherits("splash")) return;
     m_capturing = true;
+    const fw::StandStill still; // a later start's request waits for the end
     const auto done = qScopeGuard([this] {
         m_capturing = false;
         // Presses made while this one was served were for it: none is served afterwards.
@@ -53,6 +55,7 @@ void keytrigger::Event_HotKeyPressed(quint32 hotkeysignature, int)
     const quint32 ownerBefore = fw::Clipboard::owner();
     // The main thread stands still until the user has finished the selection.
     shell.Execute(capture::captureCommandFor(services.osVersionString()));
+    if (fw::Application::ending()) return; // a signal ended the selection: the clipboard stays
 
     fw::Clipboard clipboard(ownerBefore);
     if (!clipboard.PictureAvailable()) return;

@@ -1,6 +1,7 @@
 #include "platform/framework/Application.h"
 
 #include "platform/core/Failure.h"
+#include "platform/system/Shell.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -14,9 +15,14 @@ namespace fw {
 namespace {
 int g_signalFds[2] = {-1, -1};
 bool g_ending = false;
+// Set by the handler itself: the capture's helper is killed there, and what the capture would
+// do next is not done, before the event loop has run the quit.
+volatile std::sig_atomic_t g_signalled = 0;
 
 void onSignal(int)
 {
+    g_signalled = 1;
+    ProcessRunner::stopRunning();
     const char c = 1;
     [[maybe_unused]] auto n = ::write(g_signalFds[0], &c, 1);
 }
@@ -25,6 +31,7 @@ void onSignal(int)
 Application::Application(Services &services) : m_services(services), m_windows(services)
 {
     g_ending = false; // one application object a process, but tests make several in turn
+    g_signalled = 0;
     setUnhandledHandler([this](std::exception_ptr e) { Event_UnhandledException(e); });
 }
 
@@ -43,7 +50,7 @@ void Application::start()
 
 void Application::installSignalHandlers()
 {
-    if (g_signalFds[0] >= 0 || ::socketpair(AF_UNIX, SOCK_STREAM, 0, g_signalFds) != 0) return;
+    if (g_signalFds[0] < 0 && ::socketpair(AF_UNIX, SOCK_STREAM, 0, g_signalFds) != 0) return;
     m_signalNotifier = new QSocketNotifier(g_signalFds[1], QSocketNotifier::Read, this);
     connect(m_signalNotifier, &QSocketNotifier::activated, this, [this] {
         char c;
@@ -81,7 +88,7 @@ void Application::finish()
     if (g_ending) m_windows.forceCloseAll();
 }
 
-bool Application::ending() { return g_ending; }
+bool Application::ending() { return g_ending || g_signalled; }
 
 void Application::MsgBox(const QString &text)
 {

@@ -1,9 +1,24 @@
 #include "platform/system/Shell.h"
 
+#include "platform/framework/Application.h"
+
 #include <QProcess>
 #include <QStandardPaths>
+#include <atomic>
+#include <csignal>
+#include <unistd.h>
 
 namespace fw {
+
+namespace {
+std::atomic<pid_t> g_running{0};
+static_assert(std::atomic<pid_t>::is_always_lock_free);
+} // namespace
+
+void ProcessRunner::stopRunning() noexcept
+{
+    if (const pid_t group = g_running.load(); group > 0) ::kill(-group, SIGKILL);
+}
 
 QString ProcessRunner::resolve(const QString &program) const
 {
@@ -17,15 +32,19 @@ int ProcessRunner::run(const QStringList &argv)
 {
     if (argv.isEmpty()) return -1;
     const QString program = resolve(argv.first());
-    if (program.isEmpty()) return -1;
+    if (program.isEmpty() || Application::ending()) return -1;
     QProcess p;
     // Children that stay behind (xclip keeps the selection) must not hold our output open.
     p.setStandardInputFile(QProcess::nullDevice());
     p.setStandardOutputFile(QProcess::nullDevice());
     p.setStandardErrorFile(QProcess::nullDevice());
+    p.setChildProcessModifier([] { ::setpgid(0, 0); });
     p.start(program, argv.mid(1));
     if (!p.waitForStarted(-1)) return -1;
+    g_running = pid_t(p.processId());
+    if (Application::ending()) stopRunning(); // a signal came before the group was known
     p.waitForFinished(-1);
+    g_running = 0;
     return p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
 }
 
