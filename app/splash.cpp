@@ -80,15 +80,17 @@ void splash::Timer2_Action() { close(); }
 
 void splash::ShowModal()
 {
-    show();
-    raise();
-    if (m_closed) return;
-    QEventLoop loop;
-    m_loop = &loop;
-    // A capture made meanwhile (the key is live behind the splash) may close and delete it.
-    const QPointer<splash> alive(this);
-    loop.exec();
-    if (alive) m_loop = nullptr;
+    // Events are served inside: the loop's, and show()'s own before the program's loop runs.
+    // A capture among them may outlast the timer, which closes the window under this call.
+    keptDuring([this] {
+        show();
+        raise();
+        if (m_closed) return;
+        QEventLoop loop;
+        m_loop = &loop;
+        loop.exec();
+        m_loop = nullptr;
+    });
 }
 
 void splash::closeEvent(QCloseEvent *e)

@@ -6,6 +6,7 @@
 #include "platform/core/Picture.h"
 #include "platform/framework/Application.h"
 #include "platform/framework/Services.h"
+#include "platform/core/StandStill.h"
 #include "platform/hotkeys/HotKeyService.h"
 #include "platform/system/Clipboard.h"
 #include "platform/system/Shell.h"
@@ -44,6 +45,7 @@ void keytrigger::Event_HotKeyPressed(quint32 hotkeysignature, int)
         return;
     }
     m_capturing = true;
+    const fw::StandStill still; // a later start's request waits for the end
     const auto done = qScopeGuard([this] {
         m_capturing = false;
         // Presses made while this one was served were for it: none is served afterwards.
@@ -56,6 +58,7 @@ void keytrigger::Event_HotKeyPressed(quint32 hotkeysignature, int)
     const QString command = capture::captureCommandFor(m_services.osVersionString());
     qCDebug(lcCapture) << "running" << command;
     shell.Execute(command);
+    if (fw::Application::ending()) return; // a signal ended the selection: the clipboard stays
 
     fw::Clipboard clipboard(ownerBefore);
     if (!clipboard.PictureAvailable()) {

@@ -11,5 +11,6 @@ Q_DECLARE_LOGGING_CATEGORY(lcEditor)    // vantrel.editor: loading a capture
 Q_DECLARE_LOGGING_CATEGORY(lcRecent)    // vantrel.recent: the drawer packing its captures
 Q_DECLARE_LOGGING_CATEGORY(lcOutput)    // vantrel.output: save, mail, copy, print, the exporter
 Q_DECLARE_LOGGING_CATEGORY(lcStore)     // vantrel.store: property lists and preference files
+Q_DECLARE_LOGGING_CATEGORY(lcDisplay)   // vantrel.display: monitors, work areas, window frames
 Q_DECLARE_LOGGING_CATEGORY(lcDesktop)   // vantrel.desktop: bus, tray, login items, bundle
 Q_DECLARE_LOGGING_CATEGORY(lcHotKeys)   // vantrel.hotkeys: key grabs and the shortcuts portal

@@ -1,5 +1,9 @@
 #include "platform/desktop/SingleInstance.h"
 
+#include "platform/core/Logging.h"
+#include "platform/core/Ending.h"
+#include "platform/core/StandStill.h"
+
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -9,18 +13,86 @@ namespace fw {
 
 static const char kService[] = "com.Morlane.Vantrel";
 static const char kPath[] = "/com/Morlane/Vantrel";
+// The default connection is not made again once its bus has gone: one of our own then.
+static const char kConnection[] = "vantrel-instance";
 
-SingleInstance::Role SingleInstance::claim()
+static QDBusConnection connection()
 {
-    QDBusConnection bus = QDBusConnection::sessionBus();
+    return QDBusConnection::connectToBus(QDBusConnection::SessionBus,
+                                         QString::fromLatin1(kConnection));
+}
+
+// The bus object: the reply goes at once, the request follows as an event.
+class SingleInstance::Receiver : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.Morlane.Vantrel")
+public:
+    explicit Receiver(SingleInstance *owner) : m_owner(owner) {}
+
+public slots:
+    void Capture() { toOwner(&SingleInstance::Capture); }
+    void ShowPreferences() { toOwner(&SingleInstance::ShowPreferences); }
+    void Quit() { toOwner(&SingleInstance::Quit); }
+
+private:
+    void toOwner(void (SingleInstance::*request)())
+    {
+        QMetaObject::invokeMethod(m_owner, request, Qt::QueuedConnection);
+    }
+    SingleInstance *m_owner;
+};
+
+SingleInstance::SingleInstance() : m_receiver(std::make_unique<Receiver>(this)) {}
+
+SingleInstance::~SingleInstance()
+{
+    QDBusConnection::disconnectFromBus(QString::fromLatin1(kConnection));
+}
+
+SingleInstance::Role SingleInstance::own(QDBusConnection &bus)
+{
     if (!bus.isConnected() || !bus.interface()) return Role::Alone;
     const auto reply = bus.interface()->registerService(
         QString::fromLatin1(kService), QDBusConnectionInterface::DontQueueService,
         QDBusConnectionInterface::DontAllowReplacement);
     if (!reply.isValid()) return Role::Alone;
     if (reply.value() != QDBusConnectionInterface::ServiceRegistered) return Role::Later;
-    bus.registerObject(QString::fromLatin1(kPath), this, QDBusConnection::ExportAllSlots);
+    bus.registerObject(QString::fromLatin1(kPath), m_receiver.get(),
+                       QDBusConnection::ExportAllSlots);
     return Role::First;
+}
+
+SingleInstance::Role SingleInstance::claim()
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    m_bus = bus.name();
+    const Role role = own(bus);
+    if (role != Role::First) return role;
+    m_owner = true;
+    auto *watch = new QTimer(this);
+    connect(watch, &QTimer::timeout, this, &SingleInstance::rejoin);
+    watch->start(1000);
+    return role;
+}
+
+void SingleInstance::rejoin()
+{
+    if (!m_owner || QDBusConnection(m_bus).isConnected()) return;
+    m_bus = QString::fromLatin1(kConnection);
+    QDBusConnection::disconnectFromBus(m_bus);
+    QDBusConnection bus = connection();
+    switch (own(bus)) {
+    case Role::Alone: // not back yet: the next tick tries again
+        QDBusConnection::disconnectFromBus(QString::fromLatin1(kConnection));
+        return;
+    case Role::Later:
+        m_owner = false;
+        qCWarning(lcDesktop) << "the session bus came back with" << kService
+                              << "owned by another program: later starts go to that one";
+        return;
+    case Role::First:
+        return;
+    }
 }
 
 bool SingleInstance::send(const QString &method)
@@ -31,11 +103,14 @@ bool SingleInstance::send(const QString &method)
     return QDBusConnection::sessionBus().call(call, QDBus::Block, 5000).type() == QDBusMessage::ReplyMessage;
 }
 
-// Each request is served from the event loop, after the reply has gone: the caller waits for
-// nothing but the hand-over.
+// Each request is served from the event loop, after the reply has gone and after a capture
+// under way; a quit the system asked for drops it.
 static void later(const std::function<void()> &f)
 {
-    if (f) QTimer::singleShot(0, [f] { f(); });
+    if (!f) return;
+    StandStill::whenFree([f] {
+        if (!processEnding()) f();
+    });
 }
 
 void SingleInstance::Capture() { later(onCapture); }
@@ -43,3 +118,5 @@ void SingleInstance::ShowPreferences() { later(onShowPreferences); }
 void SingleInstance::Quit() { later(onQuit); }
 
 } // namespace fw
+
+#include "SingleInstance.moc"

@@ -2,18 +2,23 @@
 // One resident program per session. The first to start owns the session bus name
 // com.Morlane.Vantrel, with an object /com/Morlane/Vantrel that offers Capture(),
 // ShowPreferences() and Quit(); a later start hands its request to it and exits. Without a
-// session bus every start runs on its own, as if alone.
+// session bus every start runs on its own, as if alone. A request that comes during a capture is
+// carried out after it; one that comes while the program ends is dropped.
 
 #include <QObject>
 #include <functional>
+#include <memory>
+
+class QDBusConnection;
 
 namespace fw {
 
 class SingleInstance : public QObject {
     Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "com.Morlane.Vantrel")
 public:
     enum class Role { Alone, First, Later };
+    SingleInstance();
+    ~SingleInstance() override;
     // Tries to own the name; Later when another program owns it.
     Role claim();
     // From a later start: the request to the first, by its method name ("" asks for nothing).
@@ -21,10 +26,19 @@ public:
 
     std::function<void()> onCapture, onShowPreferences, onQuit;
 
-public slots:
+    // The requests as the bus delivers them; each is carried out from the event loop.
     void Capture();
     void ShowPreferences();
     void Quit();
+
+private:
+    Role own(QDBusConnection &bus);
+    // A bus that went away and came back (a restarted session bus) is joined again.
+    void rejoin();
+    class Receiver;
+    std::unique_ptr<Receiver> m_receiver;
+    bool m_owner = false;
+    QString m_bus; // the connection that holds the name
 };
 
 } // namespace fw

@@ -1,14 +1,12 @@
 #include "platform/display/WorkArea.h"
 
+#include "platform/core/Logging.h"
 #include "platform/core/X11.h"
 
 #include <QGuiApplication>
-#include <QLoggingCategory>
 #include <QScreen>
 #include <algorithm>
 #include <cmath>
-
-Q_LOGGING_CATEGORY(lcWorkArea, "vantrel.display", QtWarningMsg)
 
 namespace fw {
 
@@ -114,7 +112,7 @@ QRect workArea(const QScreen *screen)
     const QPointF to = origin + QPointF(usable.bottomRight() + QPoint(1, 1) - origin) / ratio;
     const QRect area(QPoint(int(std::ceil(from.x())), int(std::ceil(from.y()))),
                      QPoint(int(std::floor(to.x())) - 1, int(std::floor(to.y())) - 1));
-    qCDebug(lcWorkArea) << "monitor" << monitor << "usable" << usable << "logical" << area;
+    qCDebug(lcDisplay) << "monitor" << monitor << "usable" << usable << "logical" << area;
     return area.intersected(logical);
 }
 

@@ -1,6 +1,8 @@
 #include "platform/framework/Application.h"
 
+#include "platform/core/Ending.h"
 #include "platform/core/Failure.h"
+#include "platform/system/Shell.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -18,6 +20,10 @@ bool g_ending = false;
 
 void onSignal(int)
 {
+    // Set by the handler itself: the capture's helper is killed here, and what the capture would
+    // do next is not done, before the event loop has run the quit.
+    setProcessEnding(true);
+    ProcessRunner::stopRunning();
     const char c = 1;
     [[maybe_unused]] auto n = ::write(g_signalFds[0], &c, 1);
 }
@@ -27,6 +33,7 @@ Application::Application(Services &services) : m_services(services), m_windows(s
 {
     g_application = this;
     g_ending = false; // one application object a process, but tests make several in turn
+    setProcessEnding(false);
     setUnhandledHandler([this](std::exception_ptr e) { Event_UnhandledException(e); });
 }
 
@@ -48,7 +55,7 @@ void Application::start()
 
 void Application::installSignalHandlers()
 {
-    if (g_signalFds[0] >= 0 || ::socketpair(AF_UNIX, SOCK_STREAM, 0, g_signalFds) != 0) return;
+    if (g_signalFds[0] < 0 && ::socketpair(AF_UNIX, SOCK_STREAM, 0, g_signalFds) != 0) return;
     m_signalNotifier = new QSocketNotifier(g_signalFds[1], QSocketNotifier::Read, this);
     connect(m_signalNotifier, &QSocketNotifier::activated, this, [this] {
         char c;
@@ -73,6 +80,7 @@ void Application::systemQuit()
 {
     if (g_ending) return;
     g_ending = true;
+    setProcessEnding(true);
     m_quitRequested = true;
     // The handlers below on the stack (a Save whose settings dialog is open, the splash) resume
     // and return; the windows they use stay alive until then.
@@ -84,7 +92,7 @@ void Application::finish()
     if (g_ending) m_windows.forceCloseAll();
 }
 
-bool Application::ending() { return g_ending; }
+bool Application::ending() { return processEnding(); }
 
 void Application::MsgBox(const QString &text)
 {

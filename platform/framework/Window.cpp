@@ -6,6 +6,7 @@
 #include "platform/framework/WindowRegistry.h"
 
 #include <QCloseEvent>
+#include <QScopeGuard>
 
 namespace fw {
 
@@ -23,6 +24,21 @@ void Window::create()
 }
 
 bool Window::Event_CancelClose(bool) { return false; }
+
+void Window::keptDuring(const std::function<void()> &body)
+{
+    ++m_kept;
+    const auto done = qScopeGuard([this] {
+        if (--m_kept == 0 && m_released) deleteLater(); // nothing of it is on the stack now
+    });
+    body();
+}
+
+void Window::deleteWhenFree()
+{
+    m_released = true;
+    if (m_kept == 0) deleteLater();
+}
 
 void Window::AddMenuHandler(const QString &name, std::function<bool()> handler)
 {

@@ -65,6 +65,11 @@ public:
 
     void Show();
     void Hide();
+    // Runs `body` (a modal window's show and loop) with the window kept: a close inside it, by
+    // whatever event, deletes the window only once `body` has returned, never under it.
+    void keptDuring(const std::function<void()> &body);
+    // The registry lets go of a closed window: deleted from the event loop, after its own loops.
+    void deleteWhenFree();
     bool Visible() const { return isVisible(); }
 
     Services &services() const { return m_services; }
@@ -90,6 +95,8 @@ private:
     int m_minW = 0, m_minH = 0;
     mutable bool m_frameAsked = false;
     std::optional<QPoint> m_hold; // the window's top left less the pointer, in device pixels
+    int m_kept = 0;
+    bool m_released = false;
 };
 
 } // namespace fw

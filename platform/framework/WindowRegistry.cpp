@@ -15,8 +15,9 @@ void WindowRegistry::released(Window *w)
 {
     for (auto it = m_windows.begin(); it != m_windows.end(); ++it) {
         if (it->window.get() == w) {
-            // The window is inside its own close event: delete it once that has returned.
-            it->window.release()->deleteLater();
+            // The window is inside its own close event, maybe inside its own loop: delete it
+            // once both have returned.
+            it->window.release()->deleteWhenFree();
             m_windows.erase(it);
             return;
         }

@@ -23,6 +23,9 @@ public:
     explicit ProcessRunner(QString helperDir) : m_helperDir(std::move(helperDir)) {}
     int run(const QStringList &argv) override;
     QString resolve(const QString &program) const;
+    // Kills the running command's process group (what it started too). Async-signal-safe: a
+    // signal handler's, so that a quit never waits for a selection to end.
+    static void stopRunning() noexcept;
 
 private:
     QString m_helperDir;

@@ -104,13 +104,21 @@ class PortalTest(E2ETestCase):
         self.assertTrue(r.returncode == 0 and all(o in r.stdout for o in ("--capture", "--preferences", "--quit")), r.stdout)
         s.capture_puts(s.picture("k.png", "200x100", "xc:navy"))
         os.symlink(exe(), os.path.join(s.bin, "vantrel"))  # installed: the hint names it
+        bus = ("dbus-daemon", "--session", "--nofork", "--address=unix:path=" + os.path.join(s.tmp, "bus"))
+        s.env["DBUS_SESSION_BUS_ADDRESS"] = bus[-1][10:]  # a bus of the test's own, to restart
+        daemon = s.daemon(*bus)
+        wait_for(lambda: os.path.exists(os.path.join(s.tmp, "bus")), 3.0)
         s.start()
         t0 = time.monotonic()
         self.assertEqual(later().returncode, 0)
         self.assertLess(time.monotonic() - t0, 2.0, "at once")
+        daemon.terminate(), daemon.wait(5), s.daemon(*bus)  # the session restarts its bus
+        owned = ("dbus-send", "--print-reply", "--dest=org.freedesktop.DBus", "/org/freedesktop/DBus",
+                 "org.freedesktop.DBus.NameHasOwner", "string:com.Morlane.Vantrel")
+        self.assertTrue(wait_for(lambda: "true" in s.run(*owned, check=False).stdout, 5.0), "the name taken again")
+        self.assertEqual(later("--capture").returncode, 0)
         ours = subprocess.run(["pgrep", "-f", exe()], capture_output=True, text=True).stdout.split()
         self.assertEqual(len(ours), 1, "one resident program, one tray icon")
-        self.assertEqual(later("--capture").returncode, 0)
         self.assertTrue(wait_for(lambda: s.of_role("editor"), 3.0), "the first one captured")
         self.assertEqual(s.capture_calls(), ["-ci"])
         self.assertEqual(self.preferences_height(), 261, "the hint to bind vantrel --capture, every line shown")

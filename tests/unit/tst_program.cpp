@@ -3,6 +3,7 @@
 
 #include "TestSupport.h"
 
+#include "app/splash.h"
 #include "platform/framework/MenuBar.h"
 #include "editor/Caption.h"
 #include "editor/EditorMath.h"
@@ -28,6 +29,9 @@
 #include <QSlider>
 #include <QTimer>
 #include <QToolButton>
+#include <csignal>
+#include <thread>
+#include <unistd.h>
 
 namespace {
 QImage solid(int w, int h, QColor c)
@@ -65,6 +69,43 @@ private slots:
         QCOMPARE(recentwin::instance().recentimages.size(), 1);
         QCOMPARE(t.app->process, QString("LoadTypeMenu"));
         QVERIFY(t.app->messages.isEmpty());
+    }
+
+    // A capture asked for at start (served inside the splash's show) whose selection outlasts the
+    // splash's timer: the splash closes under it and is deleted only after ShowModal.
+    void aCaptureOutlastingTheSplash_endsCleanly()
+    {
+        TestProgram t(false);
+        t.app->showSplash = [&] { t.app->showTheSplash(); };
+        t.runner->onRun = [](const QStringList &) {
+            QEventLoop busy;
+            QTimer::singleShot(1700, &busy, &QEventLoop::quit);
+            busy.exec();
+            QGuiApplication::clipboard()->setImage(patternImage(20, 20));
+        };
+        QTimer::singleShot(0, [&] { t.pressHotKey(); });
+        t.app->_Startup();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // the splash goes
+        QVERIFY(Window1::instance().isVisible() && !t.app->windows().existing<splash>());
+    }
+
+    // A signal during a selection ends the helper and what it started, and the capture with them.
+    void aSignal_endsTheCaptureAndItsHelpersAtOnce()
+    {
+        TestProgram t;
+        const QString bin = t.home.path() + "/bin", pid = t.home.path() + "/pid";
+        writeFile(bin + "/screencapture", "#!/bin/sh\nsleep 30 &\necho $! >" + pid.toUtf8() + "\nsleep 5\n");
+        QFile::setPermissions(bin + "/screencapture", QFile::ReadOwner | QFile::ExeOwner);
+        t.services->commands = std::make_unique<fw::ProcessRunner>(bin);
+        std::thread signal([&] {
+            for (int i = 0; i < 250 && readFile(pid).toInt() <= 0; ++i) QThread::msleep(20);
+            ::kill(::getpid(), SIGTERM);
+        });
+        t.pressHotKey();
+        signal.join();
+        const QByteArray helper = readFile("/proc/" + readFile(pid).trimmed() + "/stat");
+        QVERIFY2(helper.contains(") Z ") || helper == "(unreadable)", helper);
+        QVERIFY(t.app->quitRequested() && !Window1::instance().isVisible());
     }
 
     // What the capture leaves on the clipboard: nothing, or text, is silence; a broken picture or
