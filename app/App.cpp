@@ -20,25 +20,34 @@ App::App(fw::Services &services, Preferences &prefs, Session &session)
     joinWindows();
 }
 
-App::~App() { windows().destroyAll(); }
+App::~App()
+{
+    windows().destroyAll();
+}
 
-App &App::instance() { return static_cast<App &>(fw::Application::instance()); }
+App &App::instance()
+{
+    return static_cast<App &>(fw::Application::instance());
+}
 
 void App::joinWindows()
 {
     windows().onMade<Window1>([this](Window1 &w) {
         w.setToolBar(new output::Toolbar(m_commands));
-        fw::connectGuarded(&w, &Window1::printRequested, this, [this] { m_commands._FilePrint_Action(); });
-        fw::connectGuarded(&w, &Window1::pageSetupRequested, this, [this] { m_commands._FilePageSetup_Action(); });
+        fw::connectGuarded(&w, &Window1::printRequested, this,
+                           [this] { m_commands._FilePrint_Action(); });
+        fw::connectGuarded(&w, &Window1::pageSetupRequested, this,
+                           [this] { m_commands._FilePageSetup_Action(); });
     });
     // The drawer belongs to the editor: it follows it, and a thumbnail goes back into it at the
     // slider's scale.
     windows().onMade<recentwin>([](recentwin &drawer) {
         Window1 &editor = Window1::instance();
         drawer.attachTo(&editor);
-        fw::connectGuarded(&drawer, &recentwin::captureChosen, &editor, [&editor](const QImage &capture) {
-            editor.takeCapture(capture, QString::number(editor.Slider1->value()));
-        });
+        fw::connectGuarded(
+            &drawer, &recentwin::captureChosen, &editor, [&editor](const QImage &capture) {
+                editor.takeCapture(capture, QString::number(editor.Slider1->value()));
+            });
     });
 }
 
@@ -54,7 +63,8 @@ void App::showTrayIconUnlessHidden()
 {
     if (isDockIconHiddenAtLaunch()) return;
     m_tray = std::make_unique<fw::TrayIcon>(services().bundle.resources() + "/Vantrel.svg");
-    connect(m_tray.get(), &fw::TrayIcon::commandChosen, this, [this](const QString &name) { dispatchMenuCommand(name); });
+    connect(m_tray.get(), &fw::TrayIcon::commandChosen, this,
+            [this](const QString &name) { dispatchMenuCommand(name); });
 }
 
 void App::_ApplicationAddMenuHandlers()
@@ -70,7 +80,10 @@ void App::Event_Open()
     if (showSplash) showSplash();
 }
 
-void App::showTheSplash() { splash::instance().ShowModal(); }
+void App::showTheSplash()
+{
+    splash::instance().ShowModal();
+}
 
 bool App::Event_UnhandledException(std::exception_ptr)
 {

@@ -5,10 +5,14 @@
 QString CommandLine::method() const
 {
     switch (kind) {
-    case Kind::Capture: return QStringLiteral("Capture");
-    case Kind::Preferences: return QStringLiteral("ShowPreferences");
-    case Kind::Quit: return QStringLiteral("Quit");
-    default: return {};
+    case Kind::Capture:
+        return QStringLiteral("Capture");
+    case Kind::Preferences:
+        return QStringLiteral("ShowPreferences");
+    case Kind::Quit:
+        return QStringLiteral("Quit");
+    default:
+        return {};
     }
 }
 
@@ -20,12 +24,18 @@ CommandLine parseCommandLine(const QStringList &arguments)
         return c;
     }
     const QString a = arguments.value(0);
-    if (a.isEmpty()) c.kind = CommandLine::Kind::Run;
-    else if (a == "--capture") c.kind = CommandLine::Kind::Capture;
-    else if (a == "--preferences") c.kind = CommandLine::Kind::Preferences;
-    else if (a == "--quit") c.kind = CommandLine::Kind::Quit;
-    else if (a == "--help" || a == "-h") c.kind = CommandLine::Kind::Help;
-    else c.kind = CommandLine::Kind::Bad;
+    if (a.isEmpty())
+        c.kind = CommandLine::Kind::Run;
+    else if (a == "--capture")
+        c.kind = CommandLine::Kind::Capture;
+    else if (a == "--preferences")
+        c.kind = CommandLine::Kind::Preferences;
+    else if (a == "--quit")
+        c.kind = CommandLine::Kind::Quit;
+    else if (a == "--help" || a == "-h")
+        c.kind = CommandLine::Kind::Help;
+    else
+        c.kind = CommandLine::Kind::Bad;
     return c;
 }
 

@@ -10,11 +10,14 @@
 static std::unique_ptr<fw::HotKeyService> hotKeysForThisSession()
 {
     std::unique_ptr<fw::HotKeyService> x11 = fw::X11HotKeyService::createIfAvailable();
-    if (!fw::isWaylandSession(qEnvironmentVariable("XDG_SESSION_TYPE"), qEnvironmentVariable("WAYLAND_DISPLAY")))
+    if (!fw::isWaylandSession(qEnvironmentVariable("XDG_SESSION_TYPE"),
+                              qEnvironmentVariable("WAYLAND_DISPLAY")))
         return x11;
     auto *keyboard = dynamic_cast<fw::X11HotKeyService *>(x11.get());
     std::shared_ptr<fw::HotKeyService> owner(std::move(x11));
-    auto keyCodeOf = [owner, keyboard](int ascii) { return keyboard ? keyboard->AsciiToKeyCode(ascii) : ascii; };
+    auto keyCodeOf = [owner, keyboard](int ascii) {
+        return keyboard ? keyboard->AsciiToKeyCode(ascii) : ascii;
+    };
     auto keysymName = [owner, keyboard](int keycode, bool shifted) {
         if (keyboard) return keyboard->keysymName(keycode, shifted);
         // No keyboard map to ask: the character itself, by its ASCII keysym name.
@@ -25,8 +28,8 @@ static std::unique_ptr<fw::HotKeyService> hotKeysForThisSession()
 
 std::unique_ptr<fw::Services> servicesForThisMachine()
 {
-    auto s = std::make_unique<fw::Services>(fw::Bundle(QCoreApplication::applicationDirPath()), fw::configHome());
+    auto s = std::make_unique<fw::Services>(fw::Bundle(QCoreApplication::applicationDirPath()),
+                                            fw::configHome());
     s->hotKeys = hotKeysForThisSession();
     return s;
 }
-

@@ -20,7 +20,8 @@ int main(int argc, char **argv)
 {
     fw::keepLargeBlocksApart();
     QStringList arguments;
-    for (int i = 1; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
+    for (int i = 1; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
     const CommandLine command = parseCommandLine(arguments);
     if (command.kind == CommandLine::Kind::Help || command.kind == CommandLine::Kind::Bad) {
         std::fputs(commandLineHelp().toLocal8Bit().constData(),
@@ -28,7 +29,8 @@ int main(int argc, char **argv)
         return command.kind == CommandLine::Kind::Help ? 0 : 2;
     }
     // On a Wayland session the program stays an X11 client (XWayland), unless the user chose.
-    if (shouldStayX11(qEnvironmentVariable("QT_QPA_PLATFORM"), qEnvironmentVariable("XDG_SESSION_TYPE"),
+    if (shouldStayX11(qEnvironmentVariable("QT_QPA_PLATFORM"),
+                      qEnvironmentVariable("XDG_SESSION_TYPE"),
                       qEnvironmentVariable("WAYLAND_DISPLAY"), qEnvironmentVariable("DISPLAY")))
         qputenv("QT_QPA_PLATFORM", "xcb");
 
@@ -47,18 +49,24 @@ int main(int argc, char **argv)
     auto services = servicesForThisMachine();
     // Taskbars group the windows under the launcher's name and icon.
     QGuiApplication::setDesktopFileName(QStringLiteral("com.Morlane.Vantrel"));
-    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("com.Morlane.Vantrel"),
-                                                 QIcon(services->bundle.resources() + "/Vantrel.svg")));
+    QApplication::setWindowIcon(
+        QIcon::fromTheme(QStringLiteral("com.Morlane.Vantrel"),
+                         QIcon(services->bundle.resources() + "/Vantrel.svg")));
     Preferences preferences(services->preferenceDomains);
     Session session;
     App app(*services, preferences, session);
     preferences.msgBox = [&app](const QString &text) { app.MsgBox(text); };
     app.showSplash = [&app] { app.showTheSplash(); };
     // The same roads as the hot key, the Preferences item and Quit.
-    instance.onCapture = [&services] { emit services->hotKeys->hotKeyPressed(captureSignature(), 1); };
-    instance.onShowPreferences = [&app] { app.dispatchMenuCommand(QStringLiteral("FilePreferences")); };
+    instance.onCapture = [&services] {
+        emit services->hotKeys->hotKeyPressed(captureSignature(), 1);
+    };
+    instance.onShowPreferences = [&app] {
+        app.dispatchMenuCommand(QStringLiteral("FilePreferences"));
+    };
     instance.onQuit = [&app] { app.dispatchMenuCommand(QStringLiteral("FileQuit")); };
-    if (command.kind == CommandLine::Kind::Capture) QTimer::singleShot(0, [&instance] { instance.Capture(); });
+    if (command.kind == CommandLine::Kind::Capture)
+        QTimer::singleShot(0, [&instance] { instance.Capture(); });
     if (command.kind == CommandLine::Kind::Preferences)
         QTimer::singleShot(0, [&instance] { instance.ShowPreferences(); });
     app._Startup();

@@ -2,9 +2,9 @@
 
 #include "app/App.h"
 #include "output/ToolbarPictures.h"
-#include "platform/framework/Canvas.h"
 #include "platform/core/Failure.h"
 #include "platform/display/Screen.h"
+#include "platform/framework/Canvas.h"
 #include "platform/framework/Services.h"
 
 #include <QCloseEvent>
@@ -15,7 +15,8 @@
 #include <QPointer>
 #include <QTimer>
 
-splash::splash(fw::Services &services, fw::WindowRegistry &registry) : fw::Window(services, registry)
+splash::splash(fw::Services &services, fw::WindowRegistry &registry)
+    : fw::Window(services, registry)
 {
     setObjectName(QStringLiteral("splash"));
     setWindowRole(QStringLiteral("splash"));
@@ -60,7 +61,10 @@ splash::splash(fw::Services &services, fw::WindowRegistry &registry) : fw::Windo
 
 splash::~splash() = default;
 
-splash &splash::instance() { return App::instance().windows().get<splash>(); }
+splash &splash::instance()
+{
+    return App::instance().windows().get<splash>();
+}
 
 void splash::openControls()
 {
@@ -68,7 +72,10 @@ void splash::openControls()
     StaticText1_Open();
 }
 
-void splash::StaticText1_Open() { StaticText1->setText(services().bundle.shortVersion()); }
+void splash::StaticText1_Open()
+{
+    StaticText1->setText(services().bundle.shortVersion());
+}
 
 void splash::Event_Open()
 {
@@ -76,7 +83,10 @@ void splash::Event_Open()
     App::instance().gotofront();
 }
 
-void splash::Timer2_Action() { close(); }
+void splash::Timer2_Action()
+{
+    close();
+}
 
 void splash::ShowModal()
 {

@@ -6,12 +6,12 @@
 
 #include "app/App.h"
 #include "editor/Window1.h"
+#include "output/export/GraphicsExporter.h"
+#include "output/export/MagickWriter.h"
 #include "platform/framework/Canvas.h"
 #include "platform/framework/Services.h"
 #include "prefs/Preferences.h"
 #include "prefs/Session.h"
-#include "output/export/GraphicsExporter.h"
-#include "output/export/MagickWriter.h"
 #include "prefs/prefwin.h"
 #include "recent/recentwin.h"
 
@@ -80,7 +80,8 @@ QImage screenLike(int w, int h)
     p.fillRect(img.rect(), g);
     p.setPen(Qt::black);
     for (int y = 20; y < h; y += 40)
-        p.drawText(10, y, QString("Window title %1 — the quick brown fox jumps over the lazy dog").arg(y));
+        p.drawText(10, y,
+                   QString("Window title %1 — the quick brown fox jumps over the lazy dog").arg(y));
     return img;
 }
 
@@ -106,7 +107,8 @@ double rssMiB()
     QFile f("/proc/self/status");
     f.open(QIODevice::ReadOnly);
     for (const QByteArray &line : f.readAll().split('\n'))
-        if (line.startsWith("VmRSS:")) return line.mid(6).trimmed().split(' ').first().toDouble() / 1024.0;
+        if (line.startsWith("VmRSS:"))
+            return line.mid(6).trimmed().split(' ').first().toDouble() / 1024.0;
 
     return 0;
 }
@@ -123,8 +125,9 @@ int main(int argc, char **argv)
     qputenv("XDG_CONFIG_HOME", home.path().toUtf8());
 
     // The bundle the build made beside the benchmark, for its pictures.
-    fw::Services services(fw::Bundle(QCoreApplication::applicationDirPath() + "/../Vantrel.app/Contents/MacOS"),
-                          home.path());
+    fw::Services services(
+        fw::Bundle(QCoreApplication::applicationDirPath() + "/../Vantrel.app/Contents/MacOS"),
+        home.path());
     auto runner = std::make_unique<Runner>();
     Runner *r = runner.get();
     services.commands = std::move(runner);
@@ -215,17 +218,20 @@ int main(int argc, char **argv)
         quartz->setChecked(smooth);
         for (int scale : {10, 50, 100, 150, 200}) {
             for (bool caption : {false, true}) {
-                w.captionText->setText(caption ? QStringLiteral("A caption of some words") : QString());
+                w.captionText->setText(caption ? QStringLiteral("A caption of some words")
+                                               : QString());
                 w.currentscale = scale;
                 const int runs = scale > 100 ? 5 : 9;
                 const double ours = bestOf(runs, [&] { w.ScaledImage = w.getscaledimage(); });
                 const QSize size(int(3840 * scale / 100.0), int(2160 * scale / 100.0));
                 const double ref = bestOf(runs, [&] {
-                    QImage s = w.mypic.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+                    QImage s =
+                        w.mypic.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
                     Q_UNUSED(s);
                 });
                 // At 100 % QImage::scaled hands back the same pixels: no ratio to speak of.
-                const QString ratio = ref < 0.05 ? QStringLiteral("-") : QString::number(ours / ref, 'f', 2);
+                const QString ratio =
+                    ref < 0.05 ? QStringLiteral("-") : QString::number(ours / ref, 'f', 2);
                 std::printf("%-10s %-7d %-8s %10.1f %12.1f %10s\n", smooth ? "smooth" : "plain",
                             scale, caption ? "yes" : "no", ours, ref, qPrintable(ratio));
             }
@@ -245,9 +251,10 @@ int main(int argc, char **argv)
         w.Canvas1_Paint(p, surface.width(), surface.height());
     });
     double lastStep = 0;
-    std::printf("\n%-44s %8.2f\n",
-                qPrintable(QString("one paint (canvas %1x%2)").arg(surface.width()).arg(surface.height())),
-                paint);
+    std::printf(
+        "\n%-44s %8.2f\n",
+        qPrintable(QString("one paint (canvas %1x%2)").arg(surface.width()).arg(surface.height())),
+        paint);
     // A slider step, timed from the neighbouring value in both directions; the slower counts.
     // Beside it, QImage::scaled of the whole picture at that scale, which the step no longer
     // needs. 1000 % is typed into the field.
@@ -255,21 +262,25 @@ int main(int argc, char **argv)
         QPainter p(&surface);
         w.Canvas1_Paint(p, surface.width(), surface.height());
     };
-    std::printf("\n%-34s %8s %12s %8s\n", "slider step (pipeline + paint) at", "ms", "QImage::sc", "ratio");
+    std::printf("\n%-34s %8s %12s %8s\n", "slider step (pipeline + paint) at", "ms", "QImage::sc",
+                "ratio");
     for (int at : {50, 100, 101, 150, 200, 1000}) {
         double worst = 0;
         for (int from : {at - 1, at >= 200 ? at - 2 : at + 1}) {
-            worst = std::max(worst, bestOf(5, [&] {
-                w.setScaleFieldText(QString::number(from));
-                QElapsedTimer t;
-                t.start();
-                if (at <= 200)
-                    w.setSliderValue(at);
-                else
-                    w.setScaleFieldText(QString::number(at));
-                paintOnce();
-                lastStep = t.nsecsElapsed() / 1e6;
-            }, &lastStep));
+            worst = std::max(worst, bestOf(
+                                        5,
+                                        [&] {
+                                            w.setScaleFieldText(QString::number(from));
+                                            QElapsedTimer t;
+                                            t.start();
+                                            if (at <= 200)
+                                                w.setSliderValue(at);
+                                            else
+                                                w.setScaleFieldText(QString::number(at));
+                                            paintOnce();
+                                            lastStep = t.nsecsElapsed() / 1e6;
+                                        },
+                                        &lastStep));
         }
         const QSize size(int(3840 * at / 100.0), int(2160 * at / 100.0));
         const double ref = at == 100 || at > 200 ? -1 : bestOf(3, [&] {
@@ -284,7 +295,8 @@ int main(int argc, char **argv)
     w.setSliderValue(200);
     int letters = 0;
     const double keystroke = bestOf(9, [&] {
-        w.captionText->setText(QString("A caption typed letter by letter").left(10 + letters++ % 20));
+        w.captionText->setText(
+            QString("A caption typed letter by letter").left(10 + letters++ % 20));
         paintOnce();
     });
     std::printf("%-44s %8.1f\n", "caption keystroke at 200 % (pipeline + paint)", keystroke);
@@ -295,8 +307,10 @@ int main(int argc, char **argv)
     w.setSliderValue(100);
     paintOnce();
     const double at100 = rssMiB();
-    for (int v = 10; v <= 200; ++v) w.setSliderValue(v), paintOnce();
-    for (int v = 200; v >= 100; --v) w.setSliderValue(v), paintOnce();
+    for (int v = 10; v <= 200; ++v)
+        w.setSliderValue(v), paintOnce();
+    for (int v = 200; v >= 100; --v)
+        w.setSliderValue(v), paintOnce();
     const double screenful = surface.width() * surface.height() * 4.0 / (1024 * 1024);
     std::printf("%-44s %8.0f MiB (at 100 %%: %.0f, + a screenful: %.0f)\n",
                 "resident after browsing 10-200 % and back", rssMiB(), at100, at100 + screenful);
@@ -366,12 +380,14 @@ int main(int argc, char **argv)
         const bool qtWrites = e.writerFor(capture) == fw::GraphicsExporter::Writer::Qt;
         const double qt = qtWrites ? bestOf(3, [&] { e.encode(capture); }) : -1;
         const double mg = bestOf(3, [&] { fw::magick::encode(capture, f, st); });
-        const double save = row.qtName ? bestOf(3, [&] {
-            QByteArray out;
-            QBuffer b(&out);
-            b.open(QIODevice::WriteOnly);
-            capture.save(&b, row.qtName, row.saveQuality);
-        }) : -1;
+        const double save = row.qtName ? bestOf(3,
+                                                [&] {
+                                                    QByteArray out;
+                                                    QBuffer b(&out);
+                                                    b.open(QIODevice::WriteOnly);
+                                                    capture.save(&b, row.qtName, row.saveQuality);
+                                                })
+                                       : -1;
         auto cell = [](double v) { return v < 0 ? QString("-") : QString::number(v, 'f', 0); };
         std::printf("%-28s %10s %10s %12s\n", row.label, qPrintable(cell(qt)), qPrintable(cell(mg)),
                     qPrintable(cell(save)));
@@ -382,7 +398,8 @@ int main(int argc, char **argv)
     w.Slider1->setValue(100);
     QElapsedTimer filling;
     filling.start();
-    for (int i = 0; i < 10; ++i) k->press(), QCoreApplication::processEvents();
+    for (int i = 0; i < 10; ++i)
+        k->press(), QCoreApplication::processEvents();
     QThreadPool::globalInstance()->waitForDone(); // packed on the worker
     std::printf("\n%-44s %8.0f\n", "ten 4K captures to the drawer, packed (total)",
                 double(filling.elapsed()));

@@ -4,9 +4,9 @@
 #include "platform/core/Failure.h"
 #include "platform/core/Logging.h"
 #include "platform/core/Picture.h"
+#include "platform/core/StandStill.h"
 #include "platform/framework/Application.h"
 #include "platform/framework/Services.h"
-#include "platform/core/StandStill.h"
 #include "platform/hotkeys/HotKeyService.h"
 #include "platform/system/Clipboard.h"
 #include "platform/system/Shell.h"
@@ -16,7 +16,10 @@
 #include <QScopeGuard>
 #include <QWidget>
 
-quint32 captureSignature() { return fw::OSTypeFromString("sccp"); }
+quint32 captureSignature()
+{
+    return fw::OSTypeFromString("sccp");
+}
 
 keytrigger::keytrigger(fw::HotKeyService &events, fw::Services &services, QObject *parent)
     : QObject(parent), m_events(events), m_services(services)
@@ -27,9 +30,8 @@ void keytrigger::Listen()
 {
     if (m_listening) return;
     m_listening = true;
-    connect(&m_events, &fw::HotKeyService::hotKeyPressed, this, [this](quint32 sig, int id) {
-        fw::guarded([&] { Event_HotKeyPressed(sig, id); });
-    });
+    connect(&m_events, &fw::HotKeyService::hotKeyPressed, this,
+            [this](quint32 sig, int id) { fw::guarded([&] { Event_HotKeyPressed(sig, id); }); });
 }
 
 void keytrigger::Event_HotKeyPressed(quint32 hotkeysignature, int)
@@ -41,7 +43,8 @@ void keytrigger::Event_HotKeyPressed(quint32 hotkeysignature, int)
     // Save's settings, say) would change what that dialog is about.
     if (m_capturing || fw::Application::ending()) return;
     if (QWidget *modal = QApplication::activeModalWidget(); modal && !modal->inherits("splash")) {
-        qCDebug(lcCapture) << "no capture while a dialog holds the program:" << modal->windowTitle();
+        qCDebug(lcCapture) << "no capture while a dialog holds the program:"
+                           << modal->windowTitle();
         return;
     }
     m_capturing = true;

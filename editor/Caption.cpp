@@ -106,7 +106,8 @@ void Caption::blend(QImage &picture, QPoint at, const QImage &band)
 void Caption::burnInto(QImage &picture, const QString &text)
 {
     const Placed p = make(text, picture.size());
-    if (picture.format() != QImage::Format_RGB32) picture = picture.convertToFormat(QImage::Format_RGB32);
+    if (picture.format() != QImage::Format_RGB32)
+        picture = picture.convertToFormat(QImage::Format_RGB32);
     blend(picture, p.at, p.band);
 }
 

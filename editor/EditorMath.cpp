@@ -8,8 +8,10 @@ namespace editor {
 WindowPlacement loadImageGeometry(QSize picture, const fw::ScreenInfo &s)
 {
     WindowPlacement p{};
-    p.Height = toInt(std::max(std::min(double(s.Height - 100), double(picture.height() + 91)), 250.0));
-    p.Width = toInt(std::max(std::min(double(s.AvailableWidth), double(picture.width() + 16)), 300.0));
+    p.Height =
+        toInt(std::max(std::min(double(s.Height - 100), double(picture.height() + 91)), 250.0));
+    p.Width =
+        toInt(std::max(std::min(double(s.AvailableWidth), double(picture.width() + 16)), 300.0));
     p.Left = toInt(std::max((s.Width - p.Width) / 2.0, double(s.AvailableLeft)));
     p.Top = toInt(std::max((s.Height - p.Height) / 2.0, 100.0));
     p.MaxHeight = s.AvailableHeight - 25;

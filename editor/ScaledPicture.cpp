@@ -49,17 +49,20 @@ Taps bilinearTaps(int from, int count, double factor, int sourceLength)
 
 // Two rows mixed byte by byte with one weight: the bulk of the work, written so that the
 // compiler can do it 16 bytes at a time.
-void mixRows(const quint8 *__restrict a, const quint8 *__restrict b, quint8 *__restrict o, int n, quint32 w)
+void mixRows(const quint8 *__restrict a, const quint8 *__restrict b, quint8 *__restrict o, int n,
+             quint32 w)
 {
     const quint16 wb = quint16(w), wa = quint16(256 - w);
-    for (int i = 0; i < n; ++i) o[i] = quint8((a[i] * wa + b[i] * wb) >> 8);
+    for (int i = 0; i < n; ++i)
+        o[i] = quint8((a[i] * wa + b[i] * wb) >> 8);
 }
 
 // The same with a weight per pixel, given per byte.
-void mixRowsEach(const quint8 *__restrict a, const quint8 *__restrict b, const quint16 *__restrict w,
-                 quint8 *__restrict o, int n)
+void mixRowsEach(const quint8 *__restrict a, const quint8 *__restrict b,
+                 const quint16 *__restrict w, quint8 *__restrict o, int n)
 {
-    for (int i = 0; i < n; ++i) o[i] = quint8((a[i] * (256 - w[i]) + b[i] * w[i]) >> 8);
+    for (int i = 0; i < n; ++i)
+        o[i] = quint8((a[i] * (256 - w[i]) + b[i] * w[i]) >> 8);
 }
 
 void renderSmooth(const QImage &src, double factor, const QRect &r, QImage &out)
@@ -69,10 +72,12 @@ void renderSmooth(const QImage &src, double factor, const QRect &r, QImage &out)
     const int n = r.width();
     const int last = src.width() - 1;
     std::vector<quint16> weights(size_t(n) * 4);
-    for (int i = 0; i < n * 4; ++i) weights[size_t(i)] = quint16(xs.weight[size_t(i / 4)]);
+    for (int i = 0; i < n * 4; ++i)
+        weights[size_t(i)] = quint16(xs.weight[size_t(i / 4)]);
     std::vector<quint32> left(static_cast<size_t>(n)), right(static_cast<size_t>(n));
     // Source rows mixed across, each once: the two that the current output row mixes down.
-    std::vector<quint32> across[2] = {std::vector<quint32>(size_t(n)), std::vector<quint32>(size_t(n))};
+    std::vector<quint32> across[2] = {std::vector<quint32>(size_t(n)),
+                                      std::vector<quint32>(size_t(n))};
     int held[2] = {-1, -1};
     auto rowAcross = [&](int sy) -> const quint32 * {
         for (int k = 0; k < 2; ++k)
@@ -84,8 +89,9 @@ void renderSmooth(const QImage &src, double factor, const QRect &r, QImage &out)
             left[size_t(i)] = line[x0];
             right[size_t(i)] = line[std::min(x0 + 1, last)];
         }
-        mixRowsEach(reinterpret_cast<const quint8 *>(left.data()), reinterpret_cast<const quint8 *>(right.data()),
-                    weights.data(), reinterpret_cast<quint8 *>(across[k].data()), n * 4);
+        mixRowsEach(reinterpret_cast<const quint8 *>(left.data()),
+                    reinterpret_cast<const quint8 *>(right.data()), weights.data(),
+                    reinterpret_cast<quint8 *>(across[k].data()), n * 4);
         held[k] = sy;
         return across[k].data();
     };
@@ -114,7 +120,8 @@ int nearestTap(int i, double factor, int sourceLength)
 void renderPlain(const QImage &src, double factor, const QRect &r, QImage &out)
 {
     std::vector<int> xs(size_t(r.width()));
-    for (int i = 0; i < r.width(); ++i) xs[size_t(i)] = nearestTap(r.left() + i, factor, src.width());
+    for (int i = 0; i < r.width(); ++i)
+        xs[size_t(i)] = nearestTap(r.left() + i, factor, src.width());
     int previous = -1;
     for (int j = 0; j < r.height(); ++j) {
         const int sy = nearestTap(r.top() + j, factor, src.height());
@@ -124,7 +131,8 @@ void renderPlain(const QImage &src, double factor, const QRect &r, QImage &out)
             continue;
         }
         const auto *line = reinterpret_cast<const quint32 *>(src.constScanLine(sy));
-        for (int i = 0; i < r.width(); ++i) o[i] = line[xs[size_t(i)]];
+        for (int i = 0; i < r.width(); ++i)
+            o[i] = line[xs[size_t(i)]];
         previous = sy;
     }
 }
@@ -154,12 +162,14 @@ ScaledPicture ScaledPicture::fromPixels(const QImage &pixels)
     return p;
 }
 
-ScaledPicture ScaledPicture::described(const QImage &source, double factor, QSize size, ScalingPath path,
-                                       const QImage &band, QPoint bandAt)
+ScaledPicture ScaledPicture::described(const QImage &source, double factor, QSize size,
+                                       ScalingPath path, const QImage &band, QPoint bandAt)
 {
     ScaledPicture p;
     p.d = std::make_shared<Data>();
-    p.d->source = source.format() == QImage::Format_RGB32 ? source : source.convertToFormat(QImage::Format_RGB32);
+    p.d->source = source.format() == QImage::Format_RGB32
+                      ? source
+                      : source.convertToFormat(QImage::Format_RGB32);
     p.d->factor = factor;
     p.d->size = size;
     p.d->path = path;
@@ -168,9 +178,15 @@ ScaledPicture ScaledPicture::described(const QImage &source, double factor, QSiz
     return p;
 }
 
-QSize ScaledPicture::size() const { return d ? d->size : QSize(); }
+QSize ScaledPicture::size() const
+{
+    return d ? d->size : QSize();
+}
 
-bool ScaledPicture::holdsPixels() const { return d && !d->pixels.isNull(); }
+bool ScaledPicture::holdsPixels() const
+{
+    return d && !d->pixels.isNull();
+}
 
 void ScaledPicture::renderInto(QImage &out, const QRect &r) const
 {

@@ -24,8 +24,8 @@ public:
     static ScaledPicture fromPixels(const QImage &pixels);
     // The source scaled by factor (> 1) to size, with the band drawn at bandAt (a null band is
     // none).
-    static ScaledPicture described(const QImage &source, double factor, QSize size, ScalingPath path,
-                                   const QImage &band, QPoint bandAt);
+    static ScaledPicture described(const QImage &source, double factor, QSize size,
+                                   ScalingPath path, const QImage &band, QPoint bandAt);
 
     bool isNull() const { return !d; }
     QSize size() const;

@@ -47,7 +47,10 @@ Window1::Window1(fw::Services &services, fw::WindowRegistry &registry)
 
 Window1::~Window1() = default;
 
-Window1 &Window1::instance() { return fw::Application::instance().windows().get<Window1>(); }
+Window1 &Window1::instance()
+{
+    return fw::Application::instance().windows().get<Window1>();
+}
 
 void Window1::setToolBar(QToolBar *bar)
 {
@@ -151,10 +154,14 @@ void Window1::buildControls()
 void Window1::connectControls()
 {
     fw::connectGuarded(Slider1, &QSlider::valueChanged, this, [this] { Slider1_ValueChanged(); });
-    fw::connectGuarded(scaleField, &QLineEdit::textChanged, this, [this] { scaleField_TextChange(); });
-    fw::connectGuarded(captionText, &QLineEdit::textChanged, this, [this] { captionText_TextChange(); });
-    fw::connectGuarded(ScrollBarH, &QScrollBar::valueChanged, this, [this] { ScrollBarH_ValueChanged(); });
-    fw::connectGuarded(ScrollBarV, &QScrollBar::valueChanged, this, [this] { ScrollBarV_ValueChanged(); });
+    fw::connectGuarded(scaleField, &QLineEdit::textChanged, this,
+                       [this] { scaleField_TextChange(); });
+    fw::connectGuarded(captionText, &QLineEdit::textChanged, this,
+                       [this] { captionText_TextChange(); });
+    fw::connectGuarded(ScrollBarH, &QScrollBar::valueChanged, this,
+                       [this] { ScrollBarH_ValueChanged(); });
+    fw::connectGuarded(ScrollBarV, &QScrollBar::valueChanged, this,
+                       [this] { ScrollBarV_ValueChanged(); });
     Canvas1->onPaint = [this](QPainter &g, int w, int h) { Canvas1_Paint(g, w, h); };
     Canvas1->onMouseDown = [this](int x, int y) { return Canvas1_MouseDown(x, y); };
     Canvas1->onMouseDrag = [this](int x, int y) { Canvas1_MouseDrag(x, y); };
@@ -162,7 +169,10 @@ void Window1::connectControls()
     Canvas1->onMouseMove = [this](int x, int y) { Canvas1_MouseMove(x, y); };
 }
 
-void Window1::openControls() { BevelButton1_Open(); }
+void Window1::openControls()
+{
+    BevelButton1_Open();
+}
 
 int Window1::barsHeight() const
 {
@@ -175,7 +185,8 @@ int Window1::barsHeight() const
 // height, so that the content below it stays where it is.
 void Window1::fitToolbar(int width)
 {
-    if (toolBar->toolButtonStyle() == Qt::ToolButtonTextUnderIcon) m_captionedToolbar = toolBar->sizeHint();
+    if (toolBar->toolButtonStyle() == Qt::ToolButtonTextUnderIcon)
+        m_captionedToolbar = toolBar->sizeHint();
     toolBar->setMinimumHeight(m_captionedToolbar.height());
     toolBar->setToolButtonStyle(width < m_captionedToolbar.width() ? Qt::ToolButtonIconOnly
                                                                    : Qt::ToolButtonTextUnderIcon);

@@ -5,8 +5,8 @@
 #include "editor/EditorMath.h"
 #include "editor/Window1.h"
 
-#include "platform/framework/Canvas.h"
 #include "platform/core/Failure.h"
+#include "platform/framework/Canvas.h"
 
 #include <QLineEdit>
 #include <QMenu>
@@ -49,7 +49,8 @@ void Window1::BevelButton1_Open()
     for (int i = 0; i < rows.size(); ++i) {
         QAction *a = menu->addAction(rows[i].isEmpty() ? QStringLiteral(" ") : rows[i]);
         a->setData(rows[i]);
-        connect(a, &QAction::triggered, this, [this, i] { fw::guarded([this, i] { BevelButton1_Action(i); }); });
+        connect(a, &QAction::triggered, this,
+                [this, i] { fw::guarded([this, i] { BevelButton1_Action(i); }); });
     }
     BevelButton1->setMenu(menu);
 }

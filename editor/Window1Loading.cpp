@@ -56,7 +56,8 @@ void Window1::loadimage(const QString &scale)
     }
 
     Canvas1->Refresh(true);
-    qCDebug(lcEditor) << "showing a capture of" << mypic.size() << "at" << scaleField->text() << "%";
+    qCDebug(lcEditor) << "showing a capture of" << mypic.size() << "at" << scaleField->text()
+                      << "%";
     Show();
     fw::Application::instance().gotofront();
     setscroll();

@@ -5,8 +5,8 @@
 #include "editor/EditorMath.h"
 #include "editor/Window1.h"
 
-#include "platform/core/Picture.h"
 #include "platform/core/Failure.h"
+#include "platform/core/Picture.h"
 #include "prefs/Preferences.h"
 #include "prefs/prefwin.h"
 
@@ -40,7 +40,8 @@ editor::ScaledPicture Window1::getscaledimage()
         const QSize size(editor::toInt(rect.width()), editor::toInt(rect.height()));
         // No picture of a size below one pixel can be made.
         if (size.width() < 1 || size.height() < 1) throw fw::NilObjectException();
-        const QSize whole(editor::toInt(std::ceil(rect.width())), editor::toInt(std::ceil(rect.height())));
+        const QSize whole(editor::toInt(std::ceil(rect.width())),
+                          editor::toInt(std::ceil(rect.height())));
         result = mypic.scaled(whole, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
         if (result.size() != size) result = result.copy(0, 0, size.width(), size.height());
         if (result.format() != QImage::Format_RGB32)

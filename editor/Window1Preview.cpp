@@ -4,8 +4,8 @@
 #include "editor/EditorMath.h"
 #include "editor/Window1.h"
 
-#include "platform/framework/Canvas.h"
 #include "platform/core/Failure.h"
+#include "platform/framework/Canvas.h"
 #include "platform/framework/Services.h"
 
 #include <QLineEdit>
@@ -14,7 +14,10 @@
 
 // The preview counts in the screen's own pixels: on a scaled (HiDPI) screen a capture still
 // shows one to one, while the window and its controls scale.
-qreal Window1::canvasPixelRatio() const { return Canvas1->devicePixelRatioF(); }
+qreal Window1::canvasPixelRatio() const
+{
+    return Canvas1->devicePixelRatioF();
+}
 
 QSize Window1::canvasPixels() const
 {
@@ -35,7 +38,10 @@ void Window1::Canvas1_Paint(QPainter &g, int width, int height)
     g.restore();
 }
 
-bool Window1::pannable() const { return ScrollBarH->maximum() > 0 || ScrollBarV->maximum() > 0; }
+bool Window1::pannable() const
+{
+    return ScrollBarH->maximum() > 0 || ScrollBarV->maximum() > 0;
+}
 
 void Window1::setCanvasCursor(const QCursor *cursor)
 {

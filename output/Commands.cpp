@@ -11,17 +11,22 @@
 namespace output {
 
 Commands::Commands(fw::Services &services, Session &session, Preferences &prefs, Source &source)
-    : settingsDialog([](fw::ExportFormat f, fw::ExporterSettings &s) { return runExportSettingsDialog(f, s); }),
+    : settingsDialog([](fw::ExportFormat f, fw::ExporterSettings &s) {
+          return runExportSettingsDialog(f, s);
+      }),
       m_services(services), m_session(session), m_prefs(prefs), m_source(source)
 {
-    exporter = std::make_unique<fw::GraphicsExporter>(
-        [this](fw::ExportFormat f, fw::ExporterSettings &s) { return settingsDialog && settingsDialog(f, s); });
+    exporter =
+        std::make_unique<fw::GraphicsExporter>([this](fw::ExportFormat f, fw::ExporterSettings &s) {
+            return settingsDialog && settingsDialog(f, s);
+        });
     // The format chosen in the preferences opens the exporter for its code.
     fw::connectGuarded(&prefs, &Preferences::formatChanged, this, [this] {
         exporter->OpenExporter(m_prefs.formatCode());
         qCDebug(lcOutput) << "exporter opened for" << m_prefs.formatCode();
     });
-    fw::connectGuarded(&session, &Session::exporterSettingsRequested, this, [this] { PushButton2_Action(); });
+    fw::connectGuarded(&session, &Session::exporterSettingsRequested, this,
+                       [this] { PushButton2_Action(); });
 }
 
 Commands::~Commands() = default;
@@ -39,7 +44,8 @@ void Commands::settingsStep(bool storeRequested)
     m_session.settings = exporter->Settings();
     // No synchronise of its own: the first string write after the export flushes it.
     fw::nilCheck(m_prefs.MyPref.get())
-        ->SetAppValue(PrefKeys::Settings.str(), fw::NewCFBinaryData(m_session.settings), m_prefs.appname);
+        ->SetAppValue(PrefKeys::Settings.str(), fw::NewCFBinaryData(m_session.settings),
+                      m_prefs.appname);
 }
 
 void Commands::writeOutputKeys()
@@ -55,7 +61,8 @@ void Commands::PushButton2_Action()
     if (!exporter->RequestSettings()) return;
     m_session.settings = exporter->Settings();
     fw::CFPreferences &store = *fw::nilCheck(m_prefs.MyPref.get());
-    store.SetAppValue(PrefKeys::Settings.str(), fw::NewCFBinaryData(m_session.settings), m_prefs.appname);
+    store.SetAppValue(PrefKeys::Settings.str(), fw::NewCFBinaryData(m_session.settings),
+                      m_prefs.appname);
     store.AppSynchronize(m_prefs.appname);
 }
 

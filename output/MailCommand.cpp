@@ -28,9 +28,18 @@ void runStoredScript(int id, const QStringList &values)
 }
 } // namespace
 
-void AttachMail(const QStringList &values) { runStoredScript(168, values); }
-void AttachEntourage(const QStringList &values) { runStoredScript(169, values); }
-void AttachUdora(const QStringList &values) { runStoredScript(170, values); }
+void AttachMail(const QStringList &values)
+{
+    runStoredScript(168, values);
+}
+void AttachEntourage(const QStringList &values)
+{
+    runStoredScript(169, values);
+}
+void AttachUdora(const QStringList &values)
+{
+    runStoredScript(170, values);
+}
 
 namespace output {
 
@@ -43,8 +52,9 @@ void Commands::MailTB_Action()
     };
     // The name comes first, also when there turns out to be no exporter.
     auto freeName = [&] {
-        const QString name = output::mailFileName(
-            [&](const QString &n) { return output::nameTaken(QDir(temporaryFolder()).filePath(n)); });
+        const QString name = output::mailFileName([&](const QString &n) {
+            return output::nameTaken(QDir(temporaryFolder()).filePath(n));
+        });
         return QDir(temporaryFolder()).filePath(name);
     };
     QString file = freeName();
@@ -57,7 +67,8 @@ void Commands::MailTB_Action()
     exporter->Description = m_source.caption();
     exporter->OutputFile = file;
     exporter->OutputFileMustBeNew = true;
-    logExport("E-Mail", exportUnderFreeName(*exporter, [&] { exporter->OutputFile = file = freeName(); }));
+    logExport("E-Mail",
+              exportUnderFreeName(*exporter, [&] { exporter->OutputFile = file = freeName(); }));
 
     m_prefs.prefaddstringvalue(PrefKeys::LastScale, m_source.scaleText());
     m_prefs.prefaddstringvalue(PrefKeys::Settings, m_session.settings);

@@ -9,7 +9,6 @@
 
 namespace output {
 
-
 bool nameTaken(const QString &path)
 {
     const QFileInfo info(path);
@@ -37,7 +36,8 @@ QString mailFileName(const Exists &exists)
     return name;
 }
 
-fw::ExportStatus exportUnderFreeName(fw::GraphicsExporter &exporter, const std::function<void()> &nextName)
+fw::ExportStatus exportUnderFreeName(fw::GraphicsExporter &exporter,
+                                     const std::function<void()> &nextName)
 {
     fw::ExportStatus status = exporter.Export();
     // Bounded: a name that stays taken though no search sees it must not hang the program.
@@ -48,9 +48,15 @@ fw::ExportStatus exportUnderFreeName(fw::GraphicsExporter &exporter, const std::
     return status;
 }
 
-QString saveAsSuggestion(const QString &extension) { return "capture." + extension.toLower(); }
+QString saveAsSuggestion(const QString &extension)
+{
+    return "capture." + extension.toLower();
+}
 
-QString unixPath(const QString &path) { return QDir::cleanPath(QDir(path).absolutePath()); }
+QString unixPath(const QString &path)
+{
+    return QDir::cleanPath(QDir(path).absolutePath());
+}
 
 QString absolutePath(const QString &path)
 {

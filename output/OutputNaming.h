@@ -25,7 +25,8 @@ QString saveAsSuggestion(const QString &extension);
 
 // Exports to the exporter's output file; while something took that name first, asks for the
 // next free name and tries again. Gives the last export status.
-fw::ExportStatus exportUnderFreeName(fw::GraphicsExporter &exporter, const std::function<void()> &nextName);
+fw::ExportStatus exportUnderFreeName(fw::GraphicsExporter &exporter,
+                                     const std::function<void()> &nextName);
 
 // The two path forms the mail scripts receive.
 QString unixPath(const QString &path);     // a plain absolute path

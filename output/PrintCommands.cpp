@@ -27,7 +27,10 @@ QString setupString(const QPrinter &printer)
     return QStringLiteral("pageSize=%1\norientation=%2\nmargins=%3,%4,%5,%6\n")
         .arg(QPageSize::key(l.pageSize().id()))
         .arg(l.orientation() == QPageLayout::Landscape ? "landscape" : "portrait")
-        .arg(m.left()).arg(m.top()).arg(m.right()).arg(m.bottom());
+        .arg(m.left())
+        .arg(m.top())
+        .arg(m.right())
+        .arg(m.bottom());
 }
 
 void applySetupString(QPrinter &printer, const QString &text)
@@ -42,11 +45,13 @@ void applySetupString(QPrinter &printer, const QString &text)
     if (orient.hasMatch())
         printer.setPageOrientation(orient.captured(1) == "landscape" ? QPageLayout::Landscape
                                                                      : QPageLayout::Portrait);
-    const auto margins = QRegularExpression("margins=([\\d.]+),([\\d.]+),([\\d.]+),([\\d.]+)").match(text);
+    const auto margins =
+        QRegularExpression("margins=([\\d.]+),([\\d.]+),([\\d.]+),([\\d.]+)").match(text);
     if (margins.hasMatch())
-        printer.setPageMargins(QMarginsF(margins.captured(1).toDouble(), margins.captured(2).toDouble(),
-                                         margins.captured(3).toDouble(), margins.captured(4).toDouble()),
-                               QPageLayout::Point);
+        printer.setPageMargins(
+            QMarginsF(margins.captured(1).toDouble(), margins.captured(2).toDouble(),
+                      margins.captured(3).toDouble(), margins.captured(4).toDouble()),
+            QPageLayout::Point);
 }
 
 bool Commands::_FilePrint_Action()
@@ -85,7 +90,8 @@ bool Commands::_FilePageSetup_Action()
     QPrinter printer;
     applySetupString(printer, setup);
     if (!m_services.pageSetupDialog(printer)) return false;
-    store.SetAppValue(PrefKeys::PageSetup.str(), fw::NewCFString(setupString(printer)), prefs.appname);
+    store.SetAppValue(PrefKeys::PageSetup.str(), fw::NewCFString(setupString(printer)),
+                      prefs.appname);
     store.AppSynchronize(prefs.appname);
     return false;
 }

@@ -20,9 +20,10 @@ void Commands::SaveTB_Action()
     if (!m_session.DefaultFolder) return;
     const QDir folder = *m_session.DefaultFolder;
     auto freeName = [&] {
-        return folder.filePath(output::quickSaveName(exporter->GetDefaultFileNameExtension(), [&](const QString &n) {
-            return output::nameTaken(folder.filePath(n));
-        }));
+        return folder.filePath(
+            output::quickSaveName(exporter->GetDefaultFileNameExtension(), [&](const QString &n) {
+                return output::nameTaken(folder.filePath(n));
+            }));
     };
     exporter->OutputFile = freeName();
     exporter->InputPicture = m_source.outputImage();
@@ -44,7 +45,8 @@ void Commands::SaveasTB_Action()
     }
     settingsStep(true);
     const QString chosen = m_services.saveAsDialog(
-        m_source.window(), m_session.DefaultFolder ? m_session.DefaultFolder->absolutePath() : QString(),
+        m_source.window(),
+        m_session.DefaultFolder ? m_session.DefaultFolder->absolutePath() : QString(),
         output::saveAsSuggestion(exporter->GetDefaultFileNameExtension()));
     if (chosen.isEmpty()) return;
     exporter->InputPicture = m_source.outputImage();

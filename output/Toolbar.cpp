@@ -9,11 +9,11 @@
 
 #include <QAction>
 #include <QCoreApplication>
-#include <QPointer>
-#include <QWindow>
 #include <QPixmap>
+#include <QPointer>
 #include <QSizePolicy>
 #include <QToolBar>
+#include <QWindow>
 
 namespace {
 // The item's picture with its mask applied; a missing picture fails here.
@@ -34,7 +34,8 @@ Toolbar::Toolbar(Commands &commands, QWidget *parent) : QToolBar(parent)
     SaveTB = addItem("SaveTB", "Save", [&commands] { commands.SaveTB_Action(); });
     SaveasTB = addItem("SaveasTB", "Untitled", [&commands] { commands.SaveasTB_Action(); });
     MailTB = addItem("MailTB", "Untitled", [&commands] { commands.MailTB_Action(); });
-    ToolbarItem1 = addItem("ToolbarItem1", "Untitled", [&commands] { commands.ToolbarItem1_Action(); });
+    ToolbarItem1 =
+        addItem("ToolbarItem1", "Untitled", [&commands] { commands.ToolbarItem1_Action(); });
     // The standard item: a flexible space, with no action of its own.
     StandardToolbarItem1 = new QWidget(this);
     StandardToolbarItem1->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
@@ -49,7 +50,8 @@ Toolbar::Toolbar(Commands &commands, QWidget *parent) : QToolBar(parent)
     ToolbarItem2_Open();
 }
 
-QAction *Toolbar::addItem(const char *name, const QString &layoutCaption, const std::function<void()> &action)
+QAction *Toolbar::addItem(const char *name, const QString &layoutCaption,
+                          const std::function<void()> &action)
 {
     QAction *item = addAction(layoutCaption);
     item->setObjectName(QString::fromLatin1(name));
@@ -81,7 +83,10 @@ void Toolbar::ToolbarItem1_Open()
     ToolbarItem1->setText(QStringLiteral("Copy"));
 }
 
-void Toolbar::ToolbarItem3_Open() { ToolbarItem3->setIcon(itemImage(drawericon(), drawermask())); }
+void Toolbar::ToolbarItem3_Open()
+{
+    ToolbarItem3->setIcon(itemImage(drawericon(), drawermask()));
+}
 
 void Toolbar::ToolbarItem2_Open()
 {
@@ -105,7 +110,8 @@ void Toolbar::ToolbarItem2_Action()
     p->setWindowFlag(Qt::Dialog, true);
     p->setWindowModality(Qt::WindowModal);
     p->winId();
-    if (p->windowHandle() && editor->windowHandle()) p->windowHandle()->setTransientParent(editor->windowHandle());
+    if (p->windowHandle() && editor->windowHandle())
+        p->windowHandle()->setTransientParent(editor->windowHandle());
     p->Show();
     p->raise();
     p->activateWindow();

@@ -16,13 +16,13 @@ class Toolbar : public QToolBar {
 public:
     Toolbar(Commands &commands, QWidget *parent = nullptr);
 
-    QAction *SaveTB = nullptr;                // Save
-    QAction *SaveasTB = nullptr;              // Save as
-    QAction *MailTB = nullptr;                // E-Mail
-    QAction *ToolbarItem1 = nullptr;          // Copy
-    QWidget *StandardToolbarItem1 = nullptr;  // a flexible space
-    QAction *ToolbarItem3 = nullptr;          // Recent: the drawer
-    QAction *ToolbarItem2 = nullptr;          // Preferences
+    QAction *SaveTB = nullptr;               // Save
+    QAction *SaveasTB = nullptr;             // Save as
+    QAction *MailTB = nullptr;               // E-Mail
+    QAction *ToolbarItem1 = nullptr;         // Copy
+    QWidget *StandardToolbarItem1 = nullptr; // a flexible space
+    QAction *ToolbarItem3 = nullptr;         // Recent: the drawer
+    QAction *ToolbarItem2 = nullptr;         // Preferences
 
     void SaveTB_Open();
     void SaveasTB_Open();
@@ -34,7 +34,8 @@ public:
     void ToolbarItem2_Action();
 
 private:
-    QAction *addItem(const char *name, const QString &layoutCaption, const std::function<void()> &action);
+    QAction *addItem(const char *name, const QString &layoutCaption,
+                     const std::function<void()> &action);
 };
 
 } // namespace output

@@ -19,16 +19,46 @@ QImage cached(const QString &file)
 }
 } // namespace
 
-QImage HD() { return cached("Toolbar/disk.png"); }
-QImage HDMask() { return cached("Toolbar/disk-mask.png"); }
-QImage mail() { return cached("Toolbar/letter.png"); }
-QImage mailmask() { return cached("Toolbar/letter-mask.png"); }
-QImage copyimg() { return cached("Toolbar/copy.png"); }
-QImage copymask() { return cached("Toolbar/copy-mask.png"); }
-QImage drawericon() { return cached("Toolbar/drawer.png"); }
-QImage drawermask() { return cached("Toolbar/drawer-mask.png"); }
-QImage preficon() { return cached("Toolbar/preferences.png"); }
-QImage prefmask() { return cached("Toolbar/preferences-mask.png"); }
+QImage HD()
+{
+    return cached("Toolbar/disk.png");
+}
+QImage HDMask()
+{
+    return cached("Toolbar/disk-mask.png");
+}
+QImage mail()
+{
+    return cached("Toolbar/letter.png");
+}
+QImage mailmask()
+{
+    return cached("Toolbar/letter-mask.png");
+}
+QImage copyimg()
+{
+    return cached("Toolbar/copy.png");
+}
+QImage copymask()
+{
+    return cached("Toolbar/copy-mask.png");
+}
+QImage drawericon()
+{
+    return cached("Toolbar/drawer.png");
+}
+QImage drawermask()
+{
+    return cached("Toolbar/drawer-mask.png");
+}
+QImage preficon()
+{
+    return cached("Toolbar/preferences.png");
+}
+QImage prefmask()
+{
+    return cached("Toolbar/preferences-mask.png");
+}
 QImage icon()
 {
     // Where the icon is white, what lies behind shows.

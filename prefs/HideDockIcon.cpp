@@ -1,10 +1,10 @@
 #include "prefs/HideDockIcon.h"
 
-#include "platform/framework/Application.h"
 #include "platform/core/Failure.h"
 #include "platform/core/Numbers.h"
-#include "platform/store/PlistStore.h"
+#include "platform/framework/Application.h"
 #include "platform/framework/Services.h"
+#include "platform/store/PlistStore.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -24,7 +24,8 @@ QString childIgnoringCase(const QString &folder, const QString &name)
     const QDir dir(folder);
     if (!dir.exists()) return {};
     if (QFileInfo::exists(dir.filePath(name))) return dir.filePath(name);
-    for (const QString &entry : dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot))
+    for (const QString &entry :
+         dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot))
         if (entry.compare(name, Qt::CaseInsensitive) == 0) return dir.filePath(entry);
     return {};
 }
@@ -34,7 +35,8 @@ QString childIgnoringCase(const QString &folder, const QString &name)
 static QString userCopyOf(const QString &bundlePath)
 {
     return fw::configHome() + "/Vantrel/" +
-           QCryptographicHash::hash(QFileInfo(bundlePath).absoluteFilePath().toUtf8(), QCryptographicHash::Sha1)
+           QCryptographicHash::hash(QFileInfo(bundlePath).absoluteFilePath().toUtf8(),
+                                    QCryptographicHash::Sha1)
                .toHex()
                .left(12) +
            ".Info.plist";
@@ -43,8 +45,8 @@ static QString userCopyOf(const QString &bundlePath)
 static bool writable(const QString &file)
 {
     return ::faccessat(AT_FDCWD, QFile::encodeName(file).constData(), W_OK, AT_EACCESS) == 0 &&
-           ::faccessat(AT_FDCWD, QFile::encodeName(QFileInfo(file).absolutePath()).constData(), W_OK,
-                       AT_EACCESS) == 0;
+           ::faccessat(AT_FDCWD, QFile::encodeName(QFileInfo(file).absolutePath()).constData(),
+                       W_OK, AT_EACCESS) == 0;
 }
 
 // The property list as this user sees it: the bundle's own, or the user's copy of it when the
@@ -109,7 +111,8 @@ void setHidden(const QString &bundlePath, bool hidden)
     QString file;
     const fw::PlistPtr dict = readDictionary(bundlePath, &file);
     if (!dict) return;
-    if (!plist_dict_get_item(dict.get(), kKey)) plist_dict_set_item(dict.get(), kKey, plist_new_uint(1));
+    if (!plist_dict_get_item(dict.get(), kKey))
+        plist_dict_set_item(dict.get(), kKey, plist_new_uint(1));
     plist_dict_set_item(dict.get(), kKey, plist_new_uint(hidden ? 1 : 0));
     // Replaced whole through a temporary file, keeping the file's mode: a failed write leaves
     // the old file. A bundle this user can't write keeps its file; the user's copy takes the
@@ -151,9 +154,15 @@ bool hiddenAtLaunch(const QString &bundlePath)
 
 } // namespace dockicon
 
-bool isDockIconHidden() { return dockicon::isHidden(fw::Application::instance().services().bundle.root()); }
+bool isDockIconHidden()
+{
+    return dockicon::isHidden(fw::Application::instance().services().bundle.root());
+}
 
-bool isDockIconHiddenAtLaunch() { return dockicon::hiddenAtLaunch(fw::Application::instance().services().bundle.root()); }
+bool isDockIconHiddenAtLaunch()
+{
+    return dockicon::hiddenAtLaunch(fw::Application::instance().services().bundle.root());
+}
 
 void setDockIconHidden(bool hidden)
 {

@@ -1,18 +1,23 @@
 #include "prefs/LaunchMeAtLogin.h"
 
 #include "platform/core/EventLoop.h"
-#include "platform/framework/Application.h"
 #include "platform/desktop/LoginItems.h"
+#include "platform/framework/Application.h"
 #include "platform/framework/Services.h"
 
 #include <QFileInfo>
 
 namespace loginitems {
 
+static bool same(const QString &a, const QString &b)
+{
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
 
-static bool same(const QString &a, const QString &b) { return a.compare(b, Qt::CaseInsensitive) == 0; }
-
-QString autostartFolder() { return fw::configHome() + "/autostart"; }
+QString autostartFolder()
+{
+    return fw::configHome() + "/autostart";
+}
 
 void setLaunchAtLogin(bool value, const QString &bundlePath, const QString &folder)
 {

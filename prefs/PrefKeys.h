@@ -23,6 +23,6 @@ inline constexpr PrefKey LastScale{"LastScale", PrefType::String, "100"};
 inline constexpr PrefKey LastFormat{"LastFormat", PrefType::String, "selection kept"};
 inline constexpr PrefKey PageSetup{"PageSetup", PrefType::String, "empty setup"};
 
-inline constexpr std::array<PrefKey, 7> all = {Settings,  DefaultFolder, QuartzScaling,
-                                               DefaultMailer, LastScale, LastFormat, PageSetup};
+inline constexpr std::array<PrefKey, 7> all = {
+    Settings, DefaultFolder, QuartzScaling, DefaultMailer, LastScale, LastFormat, PageSetup};
 } // namespace PrefKeys

@@ -6,7 +6,10 @@ namespace {
 Preferences *g_module = nullptr;
 }
 
-Preferences::Preferences(fw::PreferenceDomains &domains) : m_domains(domains) { g_module = this; }
+Preferences::Preferences(fw::PreferenceDomains &domains) : m_domains(domains)
+{
+    g_module = this;
+}
 
 void Preferences::setQuartz(bool on)
 {
@@ -28,7 +31,10 @@ Preferences::~Preferences()
     if (g_module == this) g_module = nullptr;
 }
 
-Preferences &Preferences::module() { return *fw::nilCheck(g_module); }
+Preferences &Preferences::module()
+{
+    return *fw::nilCheck(g_module);
+}
 
 std::unique_ptr<fw::CFPreferences> Preferences::newStore() const
 {

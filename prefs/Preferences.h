@@ -20,7 +20,7 @@ public:
     // The one module instance of the running program.
     static Preferences &module();
 
-    QString appname;                        // the domain; empty until initprefs
+    QString appname;                           // the domain; empty until initprefs
     std::unique_ptr<fw::CFPreferences> MyPref; // nil until created
 
     void initprefs();

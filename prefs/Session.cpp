@@ -9,14 +9,20 @@ namespace {
 Session *g_session = nullptr;
 }
 
-Session::Session() { g_session = this; }
+Session::Session()
+{
+    g_session = this;
+}
 
 Session::~Session()
 {
     if (g_session == this) g_session = nullptr;
 }
 
-Session &Session::instance() { return *fw::nilCheck(g_session); }
+Session &Session::instance()
+{
+    return *fw::nilCheck(g_session);
+}
 
 void Session::requestExporterSettings()
 {

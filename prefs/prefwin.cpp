@@ -69,24 +69,30 @@ prefwin::prefwin(fw::Services &services, fw::WindowRegistry &registry)
     keyHint->setTextInteractionFlags(Qt::TextSelectableByMouse);
     place(keyHint, 20, 209, 319, 40);
     showKeyHint();
-    connect(services.hotKeys.get(), &fw::HotKeyService::unboundHintChanged, this, &prefwin::showKeyHint);
+    connect(services.hotKeys.get(), &fw::HotKeyService::unboundHintChanged, this,
+            &prefwin::showKeyHint);
     StaticText1->setBuddy(emaildefault);
     StaticText2->setBuddy(PopupMenu1);
 
     fw::connectGuarded(PushButton1, &QPushButton::clicked, this, [this] { PushButton1_Action(); });
     fw::connectGuarded(CheckBox1, &QCheckBox::toggled, this, [this] { CheckBox1_Action(); });
     fw::connectGuarded(quartz, &QCheckBox::toggled, this, [this] { quartz_Action(); });
-    fw::connectGuarded(PopupMenu1, &QComboBox::currentIndexChanged, this, [this] { PopupMenu1_Change(); });
+    fw::connectGuarded(PopupMenu1, &QComboBox::currentIndexChanged, this,
+                       [this] { PopupMenu1_Change(); });
     fw::connectGuarded(CheckBox2, &QCheckBox::toggled, this, [this] { CheckBox2_Action(); });
     fw::connectGuarded(PushButton3, &QPushButton::clicked, this, [this] { PushButton3_Action(); });
     fw::connectGuarded(PushButton2, &QPushButton::clicked, this, [this] { PushButton2_Action(); });
     // The mail program has no handler of its own: its row is simply what the next E-Mail uses.
-    connect(emaildefault, &QComboBox::currentIndexChanged, this, [](int row) { Preferences::module().setMailer(row); });
+    connect(emaildefault, &QComboBox::currentIndexChanged, this,
+            [](int row) { Preferences::module().setMailer(row); });
 }
 
 prefwin::~prefwin() = default;
 
-prefwin &prefwin::instance() { return fw::Application::instance().windows().get<prefwin>(); }
+prefwin &prefwin::instance()
+{
+    return fw::Application::instance().windows().get<prefwin>();
+}
 
 Preferences &prefwin::live()
 {
@@ -126,7 +132,10 @@ void prefwin::Event_Close()
     emaildefault_Close();
 }
 
-void prefwin::PushButton1_Action() { Hide(); }
+void prefwin::PushButton1_Action()
+{
+    Hide();
+}
 
 void prefwin::CheckBox1_Open()
 {
@@ -143,25 +152,31 @@ void prefwin::CheckBox1_Action()
 void prefwin::quartz_Open()
 {
     Preferences &prefs = Preferences::module();
-    if (fw::nilCheck(prefs.MyPref.get())->CopyAppBooleanValue(PrefKeys::QuartzScaling.str(), prefs.appname))
+    if (fw::nilCheck(prefs.MyPref.get())
+            ->CopyAppBooleanValue(PrefKeys::QuartzScaling.str(), prefs.appname))
         setChecked(quartz, true);
 }
 
 // The editor rebuilds its picture on the change, hidden or not.
-void prefwin::quartz_Action() { Preferences::module().setQuartz(quartz->isChecked()); }
+void prefwin::quartz_Action()
+{
+    Preferences::module().setQuartz(quartz->isChecked());
+}
 
 void prefwin::quartz_Close()
 {
     Preferences &prefs = Preferences::module();
     fw::CFPreferences &store = *fw::nilCheck(prefs.MyPref.get());
-    store.SetAppValue(PrefKeys::QuartzScaling.str(), fw::NewCFBoolean(quartz->isChecked()), prefs.appname);
+    store.SetAppValue(PrefKeys::QuartzScaling.str(), fw::NewCFBoolean(quartz->isChecked()),
+                      prefs.appname);
     store.AppSynchronize(prefs.appname);
 }
 
 void prefwin::emaildefault_Open()
 {
     Preferences &prefs = Preferences::module();
-    const qint64 i = fw::nilCheck(prefs.MyPref.get())->CopyAppIntegerValue(PrefKeys::DefaultMailer.str(), prefs.appname);
+    const qint64 i = fw::nilCheck(prefs.MyPref.get())
+                         ->CopyAppIntegerValue(PrefKeys::DefaultMailer.str(), prefs.appname);
     // A stored index outside the list leaves no row selected.
     emaildefault->setCurrentIndex(i >= 0 && i < emaildefault->count() ? int(i) : -1);
     prefs.setMailer(emaildefault->currentIndex());
@@ -171,7 +186,8 @@ void prefwin::emaildefault_Close()
 {
     Preferences &prefs = Preferences::module();
     fw::CFPreferences &store = *fw::nilCheck(prefs.MyPref.get());
-    store.SetAppValue(PrefKeys::DefaultMailer.str(), fw::NewCFNumberInteger(emaildefault->currentIndex()), prefs.appname);
+    store.SetAppValue(PrefKeys::DefaultMailer.str(),
+                      fw::NewCFNumberInteger(emaildefault->currentIndex()), prefs.appname);
     store.AppSynchronize(prefs.appname);
 }
 
@@ -190,7 +206,10 @@ void prefwin::PopupMenu1_Change()
                                     PopupMenu1->itemData(PopupMenu1->currentIndex()).toString());
 }
 
-void prefwin::PushButton2_Action() { Session::instance().requestExporterSettings(); }
+void prefwin::PushButton2_Action()
+{
+    Session::instance().requestExporterSettings();
+}
 
 void prefwin::savefolder_Open()
 {
@@ -209,9 +228,15 @@ void prefwin::PushButton3_Action()
     savefolder->setText(session.DefaultFolder->dirName());
 }
 
-void prefwin::CheckBox2_Open() { setChecked(CheckBox2, isDockIconHidden()); }
+void prefwin::CheckBox2_Open()
+{
+    setChecked(CheckBox2, isDockIconHidden());
+}
 
-void prefwin::CheckBox2_Action() { setDockIconHidden(CheckBox2->isChecked()); }
+void prefwin::CheckBox2_Action()
+{
+    setDockIconHidden(CheckBox2->isChecked());
+}
 
 void prefwin::setPopupMenu1ListIndex(int i)
 {

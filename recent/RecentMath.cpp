@@ -20,7 +20,10 @@ Thumbnail thumbnailFor(QSize p, int index, int V)
     return t;
 }
 
-int rowAt(int y, int V) { return toInt(double(y + V) / 155.0); }
+int rowAt(int y, int V)
+{
+    return toInt(double(y + V) / 155.0);
+}
 
 int scrollMaximum(int entries, int windowHeight)
 {

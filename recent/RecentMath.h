@@ -10,10 +10,10 @@ inline constexpr int kCellPitch = 155;
 inline constexpr int kThumbBox = 150;
 
 struct Thumbnail {
-    int x, y;            // top left of the drawing
+    int x, y; // top left of the drawing
     double drawnWidth, drawnHeight;
-    int sourceSide;      // the square source taken from the picture's top left
-    QRect frame;         // the outline in grey 50
+    int sourceSide; // the square source taken from the picture's top left
+    QRect frame;    // the outline in grey 50
 };
 Thumbnail thumbnailFor(QSize picture, int index, int scrollValue);
 // The entry under a release at y; may be negative or past the end.

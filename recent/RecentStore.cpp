@@ -84,7 +84,8 @@ void RecentStore::append(const QImage &picture)
             [weak] {
                 if (auto entry = weak.lock()) {
                     entry->raw = QImage();
-                    qCDebug(lcRecent) << "packed" << entry->size << "in" << entry->packed.size() << "bytes";
+                    qCDebug(lcRecent)
+                        << "packed" << entry->size << "in" << entry->packed.size() << "bytes";
                 }
                 fw::returnFreedMemory();
             },

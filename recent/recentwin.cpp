@@ -50,14 +50,19 @@ recentwin::recentwin(fw::Services &services, fw::WindowRegistry &registry)
     Canvas2->onPaint = [this](QPainter &g, int, int) { Canvas2_Paint(g); };
     Canvas2->onMouseDown = [this](int x, int y) { return Canvas2_MouseDown(x, y); };
     Canvas2->onMouseUp = [this](int x, int y) { Canvas2_MouseUp(x, y); };
-    fw::connectGuarded(ScrollBar1, &QScrollBar::valueChanged, this, [this] { ScrollBar1_ValueChanged(); });
-    fw::connectGuarded(BevelButton1, &QPushButton::clicked, this, [this] { BevelButton1_Action(); });
+    fw::connectGuarded(ScrollBar1, &QScrollBar::valueChanged, this,
+                       [this] { ScrollBar1_ValueChanged(); });
+    fw::connectGuarded(BevelButton1, &QPushButton::clicked, this,
+                       [this] { BevelButton1_Action(); });
     Beep = [] { QApplication::beep(); };
 }
 
 recentwin::~recentwin() = default;
 
-recentwin &recentwin::instance() { return fw::Application::instance().windows().get<recentwin>(); }
+recentwin &recentwin::instance()
+{
+    return fw::Application::instance().windows().get<recentwin>();
+}
 
 void recentwin::addimage(const QImage &picture)
 {
@@ -89,7 +94,10 @@ void recentwin::Canvas2_Paint(QPainter &g)
     }
 }
 
-bool recentwin::Canvas2_MouseDown(int, int) { return true; }
+bool recentwin::Canvas2_MouseDown(int, int)
+{
+    return true;
+}
 
 void recentwin::Canvas2_MouseUp(int, int y)
 {
@@ -104,7 +112,10 @@ void recentwin::Canvas2_MouseUp(int, int y)
     fw::rethrowPending(); // the editor's failure ends this click
 }
 
-void recentwin::ScrollBar1_ValueChanged() { Canvas2->Refresh(true); }
+void recentwin::ScrollBar1_ValueChanged()
+{
+    Canvas2->Refresh(true);
+}
 
 void recentwin::BevelButton1_Action()
 {
@@ -112,7 +123,10 @@ void recentwin::BevelButton1_Action()
     setscroll();
 }
 
-void recentwin::Event_Resized() { setscroll(); }
+void recentwin::Event_Resized()
+{
+    setscroll();
+}
 
 void recentwin::followEditor()
 {

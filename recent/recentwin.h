@@ -26,8 +26,8 @@ public:
     // Oldest first, at most ten, kept packed.
     recent::RecentStore recentimages;
 
-    fw::Canvas *Canvas2 = nullptr;      // the column of thumbnails
-    QScrollBar *ScrollBar1 = nullptr;   // scrolls the column
+    fw::Canvas *Canvas2 = nullptr;       // the column of thumbnails
+    QScrollBar *ScrollBar1 = nullptr;    // scrolls the column
     QPushButton *BevelButton1 = nullptr; // Clear All
 
     void addimage(const QImage &picture);

@@ -35,9 +35,14 @@ int main(int argc, char **argv)
             const QRgb c = rgba.pixel(x, y);
             const int a = qAlpha(c), inv = 255 - a;
             // Colour over white where the picture is part-transparent.
-            picture.setPixel(x, y, qRgb((qRed(c) * a + 255 * inv) / 255, (qGreen(c) * a + 255 * inv) / 255,
-                                        (qBlue(c) * a + 255 * inv) / 255));
+            picture.setPixel(x, y,
+                             qRgb((qRed(c) * a + 255 * inv) / 255,
+                                  (qGreen(c) * a + 255 * inv) / 255,
+                                  (qBlue(c) * a + 255 * inv) / 255));
             mask.setPixel(x, y, qRgb(inv, inv, inv));
         }
-    return picture.save(QString::fromLocal8Bit(argv[3])) && mask.save(QString::fromLocal8Bit(argv[4])) ? 0 : 1;
+    return picture.save(QString::fromLocal8Bit(argv[3])) &&
+                   mask.save(QString::fromLocal8Bit(argv[4]))
+               ? 0
+               : 1;
 }

@@ -18,14 +18,22 @@ using fw::ExportFormat;
 static QString titleFor(ExportFormat f)
 {
     switch (f) {
-    case ExportFormat::JPEG: return "JPEG Options";
-    case ExportFormat::TIFF: return "TIFF Options";
-    case ExportFormat::PICT: return "PICT Options";
-    case ExportFormat::PSD: return "Photoshop Options";
-    case ExportFormat::PNG: return "PNG Options";
-    case ExportFormat::BMP: return "BMP Options";
-    case ExportFormat::Targa: return "Targa Options";
-    case ExportFormat::None: break;
+    case ExportFormat::JPEG:
+        return "JPEG Options";
+    case ExportFormat::TIFF:
+        return "TIFF Options";
+    case ExportFormat::PICT:
+        return "PICT Options";
+    case ExportFormat::PSD:
+        return "Photoshop Options";
+    case ExportFormat::PNG:
+        return "PNG Options";
+    case ExportFormat::BMP:
+        return "BMP Options";
+    case ExportFormat::Targa:
+        return "Targa Options";
+    case ExportFormat::None:
+        break;
     }
     return "Options";
 }

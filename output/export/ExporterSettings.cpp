@@ -19,14 +19,22 @@ ExportFormat formatForCode(const QString &code)
 QString extensionFor(ExportFormat f)
 {
     switch (f) {
-    case ExportFormat::JPEG: return "jpg";
-    case ExportFormat::TIFF: return "tif";
-    case ExportFormat::PICT: return "pict";
-    case ExportFormat::PSD: return "psd";
-    case ExportFormat::PNG: return "png";
-    case ExportFormat::BMP: return "bmp";
-    case ExportFormat::Targa: return "tga";
-    case ExportFormat::None: break;
+    case ExportFormat::JPEG:
+        return "jpg";
+    case ExportFormat::TIFF:
+        return "tif";
+    case ExportFormat::PICT:
+        return "pict";
+    case ExportFormat::PSD:
+        return "psd";
+    case ExportFormat::PNG:
+        return "png";
+    case ExportFormat::BMP:
+        return "bmp";
+    case ExportFormat::Targa:
+        return "tga";
+    case ExportFormat::None:
+        break;
     }
     return {};
 }
@@ -52,11 +60,18 @@ QByteArray ExporterSettings::toText(ExportFormat f) const
                                 : tiffCompression == TiffCompression::Zip ? "zip"
                                                                           : "lzw");
         break;
-    case ExportFormat::PSD: put("psd.rle", yes(psdRle)); break;
-    case ExportFormat::Targa: put("targa.rle", yes(targaRle)); break;
-    case ExportFormat::BMP: put("bmp.depth", QByteArray::number(bmpDepth)); break;
+    case ExportFormat::PSD:
+        put("psd.rle", yes(psdRle));
+        break;
+    case ExportFormat::Targa:
+        put("targa.rle", yes(targaRle));
+        break;
+    case ExportFormat::BMP:
+        put("bmp.depth", QByteArray::number(bmpDepth));
+        break;
     case ExportFormat::PICT:
-    case ExportFormat::None: break;
+    case ExportFormat::None:
+        break;
     }
     return out;
 }
@@ -71,17 +86,24 @@ ExporterSettings ExporterSettings::fromText(const QByteArray &text, ExportFormat
         const QByteArray k = line.left(eq).trimmed(), v = line.mid(eq + 1).trimmed();
         bool ok = false;
         const int n = v.toInt(&ok);
-        if (k == "jpeg.quality" && ok && n >= 1 && n <= 100) s.jpegQuality = n;
-        else if (k == "jpeg.progressive") s.jpegProgressive = v == "1";
-        else if (k == "png.compression" && ok && n >= 0 && n <= 9) s.pngCompression = n;
-        else if (k == "png.interlaced") s.pngInterlaced = v == "1";
+        if (k == "jpeg.quality" && ok && n >= 1 && n <= 100)
+            s.jpegQuality = n;
+        else if (k == "jpeg.progressive")
+            s.jpegProgressive = v == "1";
+        else if (k == "png.compression" && ok && n >= 0 && n <= 9)
+            s.pngCompression = n;
+        else if (k == "png.interlaced")
+            s.pngInterlaced = v == "1";
         else if (k == "tiff.compression" && (v == "none" || v == "lzw" || v == "zip"))
-            s.tiffCompression = v == "none" ? TiffCompression::None
+            s.tiffCompression = v == "none"  ? TiffCompression::None
                                 : v == "zip" ? TiffCompression::Zip
                                              : TiffCompression::LZW;
-        else if (k == "psd.rle") s.psdRle = v == "1";
-        else if (k == "targa.rle") s.targaRle = v == "1";
-        else if (k == "bmp.depth" && ok && (n == 24 || n == 32)) s.bmpDepth = n;
+        else if (k == "psd.rle")
+            s.psdRle = v == "1";
+        else if (k == "targa.rle")
+            s.targaRle = v == "1";
+        else if (k == "bmp.depth" && ok && (n == 24 || n == 32))
+            s.bmpDepth = n;
     }
     return s;
 }

@@ -18,14 +18,14 @@ QString extensionFor(ExportFormat f);
 enum class TiffCompression { None, LZW, Zip };
 
 struct ExporterSettings {
-    int jpegQuality = 85;          // 1..100
+    int jpegQuality = 85; // 1..100
     bool jpegProgressive = false;
-    int pngCompression = 6;        // 0..9
+    int pngCompression = 6; // 0..9
     bool pngInterlaced = false;
     TiffCompression tiffCompression = TiffCompression::LZW;
     bool psdRle = true;
     bool targaRle = true;
-    int bmpDepth = 24;             // 24 or 32
+    int bmpDepth = 24; // 24 or 32
 
     // The text form of the settings that matter to the format.
     QByteArray toText(ExportFormat f) const;

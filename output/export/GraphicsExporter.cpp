@@ -4,7 +4,6 @@
 #include "output/export/MagickWriter.h"
 #include "platform/files/AtomicFile.h"
 #include "platform/framework/Application.h"
-#include "platform/framework/Application.h"
 
 #include <QBuffer>
 #include <QImageWriter>
@@ -14,9 +13,15 @@ namespace fw {
 
 GraphicsExporter::GraphicsExporter(SettingsDialog dialog) : m_dialog(std::move(dialog)) {}
 
-void GraphicsExporter::OpenExporter(const QString &type) { m_format = formatForCode(type); }
+void GraphicsExporter::OpenExporter(const QString &type)
+{
+    m_format = formatForCode(type);
+}
 
-QByteArray GraphicsExporter::Settings() const { return m_settings.toText(m_format); }
+QByteArray GraphicsExporter::Settings() const
+{
+    return m_settings.toText(m_format);
+}
 
 void GraphicsExporter::setSettings(const QByteArray &settings)
 {
@@ -32,7 +37,10 @@ bool GraphicsExporter::RequestSettings()
     return true;
 }
 
-QString GraphicsExporter::GetDefaultFileNameExtension() const { return extensionFor(m_format); }
+QString GraphicsExporter::GetDefaultFileNameExtension() const
+{
+    return extensionFor(m_format);
+}
 
 GraphicsExporter::Writer GraphicsExporter::writerFor(const QImage &picture) const
 {
@@ -64,7 +72,10 @@ namespace {
 
 // Qt 6 takes a PNG's compression as 0..100 and hands zlib (value * 9) / 91: the smallest value
 // that gives each zlib level.
-int qtPngCompression(int zlibLevel) { return (zlibLevel * 91 + 8) / 9; }
+int qtPngCompression(int zlibLevel)
+{
+    return (zlibLevel * 91 + 8) / 9;
+}
 
 // 72 dots per inch, which readers show as the picture's print size. Qt's writers take the
 // resolution only from the picture, and setting it there copies the whole picture (5-40 ms at
@@ -73,7 +84,8 @@ constexpr quint32 kDotsPerInch = 72, kDotsPerMeter = 2835;
 
 void putBigEndian(QByteArray &b, int at, quint32 v, int bytes)
 {
-    for (int i = 0; i < bytes; ++i) b[at + i] = char(v >> (8 * (bytes - 1 - i)));
+    for (int i = 0; i < bytes; ++i)
+        b[at + i] = char(v >> (8 * (bytes - 1 - i)));
 }
 
 void stampResolution(QByteArray &file, ExportFormat f)
@@ -84,7 +96,8 @@ void stampResolution(QByteArray &file, ExportFormat f)
         putBigEndian(file, 16, kDotsPerInch, 2);
     } else if (f == ExportFormat::BMP && file.size() > 46) {
         for (int at : {38, 42})
-            for (int i = 0; i < 4; ++i) file[at + i] = char(kDotsPerMeter >> (8 * i));
+            for (int i = 0; i < 4; ++i)
+                file[at + i] = char(kDotsPerMeter >> (8 * i));
     } else if (f == ExportFormat::PNG && file.size() > 33 && file.mid(12, 4) == "IHDR") {
         QByteArray xyUnit(9, '\0'); // x, y, unit (metre)
         putBigEndian(xyUnit, 0, kDotsPerMeter, 4);
@@ -123,7 +136,9 @@ QByteArray GraphicsExporter::encode(const QImage &picture) const
     QBuffer buf(&out);
     buf.open(QIODevice::WriteOnly);
     const QImage rgb = picture.convertToFormat(QImage::Format_RGB32);
-    QImageWriter w(&buf, m_format == ExportFormat::JPEG ? "jpeg" : m_format == ExportFormat::PNG ? "png" : "bmp");
+    QImageWriter w(&buf, m_format == ExportFormat::JPEG  ? "jpeg"
+                         : m_format == ExportFormat::PNG ? "png"
+                                                         : "bmp");
     if (m_format == ExportFormat::JPEG) {
         w.setQuality(m_settings.jpegQuality);
         w.setProgressiveScanWrite(m_settings.jpegProgressive);
@@ -139,7 +154,8 @@ QByteArray GraphicsExporter::encode(const QImage &picture) const
 QByteArray GraphicsExporter::encodeCached(const QImage &picture)
 {
     const QByteArray settings = Settings();
-    if (m_last.bytes.isEmpty() || m_last.picture != picture.cacheKey() || m_last.settings != settings)
+    if (m_last.bytes.isEmpty() || m_last.picture != picture.cacheKey() ||
+        m_last.settings != settings)
         m_last = {picture.cacheKey(), settings, encode(picture)};
     return m_last.bytes;
 }
@@ -147,13 +163,20 @@ QByteArray GraphicsExporter::encodeCached(const QImage &picture)
 const char *describe(ExportStatus status)
 {
     switch (status) {
-    case ExportStatus::Written: return "written";
-    case ExportStatus::NoFormat: return "no format";
-    case ExportStatus::NoFile: return "no file";
-    case ExportStatus::NotEncoded: return "not encoded";
-    case ExportStatus::WriteFailed: return "write failed";
-    case ExportStatus::NameTaken: return "name taken";
-    case ExportStatus::Ending: return "session ending";
+    case ExportStatus::Written:
+        return "written";
+    case ExportStatus::NoFormat:
+        return "no format";
+    case ExportStatus::NoFile:
+        return "no file";
+    case ExportStatus::NotEncoded:
+        return "not encoded";
+    case ExportStatus::WriteFailed:
+        return "write failed";
+    case ExportStatus::NameTaken:
+        return "name taken";
+    case ExportStatus::Ending:
+        return "session ending";
     }
     return "?";
 }
@@ -164,19 +187,24 @@ ExportStatus GraphicsExporter::Export()
     if (Application::ending()) return ExportStatus::Ending;
     if (m_format == ExportFormat::None) return ExportStatus::NoFormat;
     if (OutputFile.isEmpty()) return ExportStatus::NoFile;
-    const QByteArray bytes = metadata::withDescription(encodeCached(InputPicture), m_format, Description);
+    const QByteArray bytes =
+        metadata::withDescription(encodeCached(InputPicture), m_format, Description);
     if (bytes.isEmpty()) return ExportStatus::NotEncoded;
     NewFileResult result = NewFileResult::Failed;
     if (!OutputFileMustBeNew)
-        result = writeFileReplacing(OutputFile, bytes) ? NewFileResult::Written : NewFileResult::Failed;
+        result =
+            writeFileReplacing(OutputFile, bytes) ? NewFileResult::Written : NewFileResult::Failed;
     else
         result = writeNewFile(OutputFile, bytes);
     // Kept only for a retry under the next free name: a large picture's file is not held on.
     if (result != NewFileResult::Taken) m_last = {};
     switch (result) {
-    case NewFileResult::Written: return ExportStatus::Written;
-    case NewFileResult::Taken: return ExportStatus::NameTaken;
-    case NewFileResult::Failed: break;
+    case NewFileResult::Written:
+        return ExportStatus::Written;
+    case NewFileResult::Taken:
+        return ExportStatus::NameTaken;
+    case NewFileResult::Failed:
+        break;
     }
     return ExportStatus::WriteFailed;
 }

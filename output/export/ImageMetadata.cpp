@@ -259,8 +259,7 @@ QByteArray withDescription(const QByteArray &file, ExportFormat format, const QS
     }
     const QByteArray out = add(file, text);
     if (out.size() == file.size())
-        qCWarning(lcOutput) << "no description written: not the layout of"
-                              << extensionFor(format);
+        qCWarning(lcOutput) << "no description written: not the layout of" << extensionFor(format);
     return out;
 }
 

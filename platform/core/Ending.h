@@ -7,7 +7,13 @@
 namespace fw {
 
 extern volatile std::sig_atomic_t g_processEnding;
-inline bool processEnding() { return g_processEnding != 0; }
-inline void setProcessEnding(bool ending) noexcept { g_processEnding = ending ? 1 : 0; }
+inline bool processEnding()
+{
+    return g_processEnding != 0;
+}
+inline void setProcessEnding(bool ending) noexcept
+{
+    g_processEnding = ending ? 1 : 0;
+}
 
 } // namespace fw

@@ -5,5 +5,8 @@
 #include <QCoreApplication>
 
 namespace fw {
-inline void yieldOnce() { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); }
+inline void yieldOnce()
+{
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
 } // namespace fw

@@ -34,9 +34,15 @@ void report(std::exception_ptr e)
 }
 } // namespace
 
-void setUnhandledHandler(UnhandledHandler handler) { g_handler = std::move(handler); }
+void setUnhandledHandler(UnhandledHandler handler)
+{
+    g_handler = std::move(handler);
+}
 
-int handlerDepth() { return int(g_levels.size()); }
+int handlerDepth()
+{
+    return int(g_levels.size());
+}
 
 void guarded(const std::function<void()> &handler) noexcept
 {

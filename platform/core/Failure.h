@@ -49,7 +49,8 @@ int handlerDepth();
 namespace detail {
 // An event handler wrapped in guarded(), taking the same arguments as the handler.
 template <class Handler, class Method = decltype(&Handler::operator())> struct Guarded;
-template <class Handler, class R, class C, class... Args> struct Guarded<Handler, R (C::*)(Args...) const> {
+template <class Handler, class R, class C, class... Args>
+struct Guarded<Handler, R (C::*)(Args...) const> {
     static auto wrap(Handler handler)
     {
         return [handler](Args... args) { guarded([&] { handler(args...); }); };
@@ -60,9 +61,11 @@ template <class Handler, class R, class C, class... Args> struct Guarded<Handler
 // Connects a signal to an event handler of ours, run through guarded(). The handler takes the
 // signal's first arguments, or none.
 template <class Sender, class Signal, class Handler>
-QMetaObject::Connection connectGuarded(Sender *sender, Signal signal, QObject *context, Handler handler)
+QMetaObject::Connection connectGuarded(Sender *sender, Signal signal, QObject *context,
+                                       Handler handler)
 {
-    return QObject::connect(sender, signal, context, detail::Guarded<Handler>::wrap(std::move(handler)));
+    return QObject::connect(sender, signal, context,
+                            detail::Guarded<Handler>::wrap(std::move(handler)));
 }
 
 template <class T> T *nilCheck(T *p)

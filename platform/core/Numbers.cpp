@@ -9,21 +9,25 @@ double Val(const QString &text)
 {
     int i = 0;
     const int n = text.size();
-    while (i < n && text[i].isSpace()) ++i;
+    while (i < n && text[i].isSpace())
+        ++i;
     const int start = i;
     if (i < n && (text[i] == '+' || text[i] == '-')) ++i;
     int digits = 0;
-    while (i < n && text[i].isDigit() && text[i].unicode() < 128) ++i, ++digits;
+    while (i < n && text[i].isDigit() && text[i].unicode() < 128)
+        ++i, ++digits;
     if (i < n && text[i] == '.') {
         ++i;
-        while (i < n && text[i].isDigit() && text[i].unicode() < 128) ++i, ++digits;
+        while (i < n && text[i].isDigit() && text[i].unicode() < 128)
+            ++i, ++digits;
     }
     if (digits == 0) return 0.0;
     if (i < n && (text[i] == 'e' || text[i] == 'E')) {
         int j = i + 1;
         if (j < n && (text[j] == '+' || text[j] == '-')) ++j;
         const int expStart = j;
-        while (j < n && text[j].isDigit() && text[j].unicode() < 128) ++j;
+        while (j < n && text[j].isDigit() && text[j].unicode() < 128)
+            ++j;
         if (j > expStart) i = j;
     }
     bool ok = false;

@@ -32,10 +32,11 @@ static bool allBlack(const QImage &mask)
 QImage CGCreateImage(const QImage &picture, const QImage &mask)
 {
     if (picture.isNull() || mask.isNull() || picture.size() != mask.size()) return {};
-    const QImage m = mask.format() == QImage::Format_RGB32 ? mask
-                                                           : mask.convertToFormat(QImage::Format_RGB32);
-    QImage pic = picture.format() == QImage::Format_RGB32 ? picture
-                                                          : picture.convertToFormat(QImage::Format_RGB32);
+    const QImage m =
+        mask.format() == QImage::Format_RGB32 ? mask : mask.convertToFormat(QImage::Format_RGB32);
+    QImage pic = picture.format() == QImage::Format_RGB32
+                     ? picture
+                     : picture.convertToFormat(QImage::Format_RGB32);
     if (allBlack(m)) return pic;
     QImage out = pic.convertToFormat(QImage::Format_ARGB32);
     for (int y = 0; y < out.height(); ++y) {

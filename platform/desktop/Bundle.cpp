@@ -30,7 +30,10 @@ static QString infoString(const QString &infoPlist, const char *key)
     return out;
 }
 
-QString Bundle::shortVersion() const { return infoString(infoPlist(), "CFBundleShortVersionString"); }
+QString Bundle::shortVersion() const
+{
+    return infoString(infoPlist(), "CFBundleShortVersionString");
+}
 
 QString Bundle::executableOf(const QString &bundlePath)
 {

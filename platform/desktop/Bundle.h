@@ -11,7 +11,7 @@ public:
     // executableDir: the folder of the running program (Contents/MacOS).
     explicit Bundle(const QString &executableDir);
 
-    QString root() const { return m_root; }             // .../Vantrel.app
+    QString root() const { return m_root; } // .../Vantrel.app
     QString contents() const { return m_root + "/Contents"; }
     QString executableDir() const { return contents() + "/MacOS"; }
     QString resources() const { return contents() + "/Resources"; }

@@ -6,11 +6,16 @@ static QString escapeString(const QString &s)
 {
     QString out;
     for (QChar c : s) {
-        if (c == '\\') out += "\\\\";
-        else if (c == '\n') out += "\\n";
-        else if (c == '\t') out += "\\t";
-        else if (c == '\r') out += "\\r";
-        else out += c;
+        if (c == '\\')
+            out += "\\\\";
+        else if (c == '\n')
+            out += "\\n";
+        else if (c == '\t')
+            out += "\\t";
+        else if (c == '\r')
+            out += "\\r";
+        else
+            out += c;
     }
     return out;
 }
@@ -21,12 +26,18 @@ QString unescaped(const QString &s)
     for (int i = 0; i < s.size(); ++i) {
         if (s[i] == '\\' && i + 1 < s.size()) {
             const QChar n = s[++i];
-            if (n == 's') out += ' ';
-            else if (n == 'n') out += '\n';
-            else if (n == 't') out += '\t';
-            else if (n == 'r') out += '\r';
-            else if (n == '\\') out += '\\';
-            else out += '\\', out += n;
+            if (n == 's')
+                out += ' ';
+            else if (n == 'n')
+                out += '\n';
+            else if (n == 't')
+                out += '\t';
+            else if (n == 'r')
+                out += '\r';
+            else if (n == '\\')
+                out += '\\';
+            else
+                out += '\\', out += n;
         } else {
             out += s[i];
         }
@@ -42,9 +53,12 @@ QString quoteExecArg(const QString &arg)
         if (reserved.contains(c)) needsQuotes = true;
     QString body;
     for (QChar c : arg) {
-        if (c == '%') body += "%%"; // a literal percent, not a field code
-        else if (needsQuotes && (c == '"' || c == '`' || c == '$' || c == '\\')) body += '\\', body += c;
-        else body += c;
+        if (c == '%')
+            body += "%%"; // a literal percent, not a field code
+        else if (needsQuotes && (c == '"' || c == '`' || c == '$' || c == '\\'))
+            body += '\\', body += c;
+        else
+            body += c;
     }
     return needsQuotes ? '"' + body + '"' : body;
 }
@@ -52,7 +66,8 @@ QString quoteExecArg(const QString &arg)
 QString execValue(const QStringList &argv)
 {
     QStringList parts;
-    for (const QString &a : argv) parts << quoteExecArg(a);
+    for (const QString &a : argv)
+        parts << quoteExecArg(a);
     return escapeString(parts.join(' '));
 }
 
@@ -65,10 +80,14 @@ QStringList parseExec(const QString &fileValue)
     for (int i = 0; i < s.size(); ++i) {
         const QChar c = s[i];
         if (quoted) {
-            if (c == '\\' && i + 1 < s.size()) cur += s[++i];
-            else if (c == '"') quoted = false;
-            else if (c == '%' && i + 1 < s.size() && s[i + 1] == '%') cur += '%', ++i;
-            else cur += c;
+            if (c == '\\' && i + 1 < s.size())
+                cur += s[++i];
+            else if (c == '"')
+                quoted = false;
+            else if (c == '%' && i + 1 < s.size() && s[i + 1] == '%')
+                cur += '%', ++i;
+            else
+                cur += c;
             continue;
         }
         if (c == ' ' || c == '\t') {
@@ -117,8 +136,9 @@ QString applicationEntry(const QString &name, const QStringList &argv, const QSt
 QString loginEntry(const QString &displayName, const QString &itemName, const QStringList &argv,
                    const QString &iconPath)
 {
-    return QStringLiteral("[Desktop Entry]\nType=Application\nName=%1\nComment=%2\nExec=%3\nIcon=%4\n"
-                          "Terminal=false\nX-GNOME-Autostart-enabled=true\nX-Vantrel-Item-Name=%5\n")
+    return QStringLiteral(
+               "[Desktop Entry]\nType=Application\nName=%1\nComment=%2\nExec=%3\nIcon=%4\n"
+               "Terminal=false\nX-GNOME-Autostart-enabled=true\nX-Vantrel-Item-Name=%5\n")
         .arg(escapeString(displayName), QStringLiteral("Screen capture"), execValue(argv),
              escapeString(iconPath), escapeString(itemName));
 }

@@ -1,8 +1,8 @@
 #include "platform/desktop/LoginItems.h"
 
-#include "platform/files/AtomicFile.h"
 #include "platform/desktop/Bundle.h"
 #include "platform/desktop/DesktopEntry.h"
+#include "platform/files/AtomicFile.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -15,7 +15,8 @@ namespace fw {
 static QString readText(const QString &path);
 
 LoginItems::LoginItems(QString autostartFolder)
-    : m_folder(std::move(autostartFolder)), m_links(QFileInfo(m_folder).absolutePath() + "/Vantrel/login-items")
+    : m_folder(std::move(autostartFolder)),
+      m_links(QFileInfo(m_folder).absolutePath() + "/Vantrel/login-items")
 {
 }
 
@@ -31,7 +32,8 @@ QString LoginItems::programPath(const QString &program) const
 {
     if (plainForLaunchers(program)) return program;
     const QString folder =
-        m_links + "/" + QCryptographicHash::hash(program.toUtf8(), QCryptographicHash::Sha1).toHex().left(12);
+        m_links + "/" +
+        QCryptographicHash::hash(program.toUtf8(), QCryptographicHash::Sha1).toHex().left(12);
     if (!plainForLaunchers(folder)) return program;
     const QString link = folder + "/" + QFileInfo(program).fileName();
     QDir().mkpath(folder);
@@ -58,7 +60,8 @@ static QString readText(const QString &path)
 bool LoginItems::switchedOff(const QString &text)
 {
     return desktopentry::value(text, "Hidden").compare("true", Qt::CaseInsensitive) == 0 ||
-           desktopentry::value(text, "X-GNOME-Autostart-enabled").compare("false", Qt::CaseInsensitive) == 0;
+           desktopentry::value(text, "X-GNOME-Autostart-enabled")
+                   .compare("false", Qt::CaseInsensitive) == 0;
 }
 
 QStringList LoginItems::entries() const
@@ -74,14 +77,18 @@ QString LoginItems::launchedPath(const QStringList &argv)
 {
     if (argv.isEmpty()) return {};
     const QFileInfo first(argv.first());
-    const QString program = QDir::cleanPath(first.isSymLink() ? first.symLinkTarget() : argv.first());
+    const QString program =
+        QDir::cleanPath(first.isSymLink() ? first.symLinkTarget() : argv.first());
     const QString marker = QStringLiteral(".app/Contents/MacOS/");
     const int at = program.lastIndexOf(marker, -1, Qt::CaseInsensitive);
     if (at >= 0 && !program.mid(at + marker.size()).contains('/')) return program.left(at + 4);
     return program;
 }
 
-int LoginItems::OldCountOfLoginItems(bool) const { return int(entries().size()); }
+int LoginItems::OldCountOfLoginItems(bool) const
+{
+    return int(entries().size());
+}
 
 QString LoginItems::OldLoginItemPropertyAtIndex(int property, int index, bool) const
 {
@@ -92,7 +99,8 @@ QString LoginItems::OldLoginItemPropertyAtIndex(int property, int index, bool) c
         const QString own = desktopentry::value(text, "X-Vantrel-Item-Name");
         return desktopentry::unescaped(own.isEmpty() ? desktopentry::value(text, "Name") : own);
     }
-    if (property == 1) return launchedPath(desktopentry::parseExec(desktopentry::value(text, "Exec")));
+    if (property == 1)
+        return launchedPath(desktopentry::parseExec(desktopentry::value(text, "Exec")));
     return {};
 }
 
@@ -100,7 +108,8 @@ bool LoginItems::OldRemoveLoginItem(const QString &bundlePath, bool)
 {
     const QStringList list = entries();
     for (int i = 0; i < list.size(); ++i)
-        if (OldLoginItemPropertyAtIndex(1, i, false).compare(bundlePath, Qt::CaseInsensitive) == 0) {
+        if (OldLoginItemPropertyAtIndex(1, i, false).compare(bundlePath, Qt::CaseInsensitive) ==
+            0) {
             removeEntry(list[i]);
             return !QFile::exists(list[i]);
         }
@@ -123,9 +132,10 @@ bool LoginItems::OldAddLoginItem(const QString &bundlePath, bool, bool)
     if (base.isEmpty()) base = QStringLiteral("login-item");
     QDir().mkpath(m_folder);
     const QString exe = Bundle::executableOf(bundle.absoluteFilePath());
-    const QByteArray text = desktopentry::loginEntry(bundle.completeBaseName(), bundle.fileName(), {programPath(exe)},
-                                                     bundle.absoluteFilePath() + "/Contents/Resources/Vantrel.svg")
-                                .toUtf8();
+    const QByteArray text =
+        desktopentry::loginEntry(bundle.completeBaseName(), bundle.fileName(), {programPath(exe)},
+                                 bundle.absoluteFilePath() + "/Contents/Resources/Vantrel.svg")
+            .toUtf8();
     // A file of its own, never another program's entry and never through a link; written whole
     // through a temporary file, so a full disk leaves no empty entry.
     for (int n = 1; n < 1000; ++n) {
@@ -140,9 +150,12 @@ bool LoginItems::OldAddLoginItem(const QString &bundlePath, bool, bool)
                 return writeFileReplacing(path, text);
         }
         switch (writeNewFile(path, text)) {
-        case NewFileResult::Written: return true;
-        case NewFileResult::Taken: continue;
-        case NewFileResult::Failed: return false;
+        case NewFileResult::Written:
+            return true;
+        case NewFileResult::Taken:
+            continue;
+        case NewFileResult::Failed:
+            return false;
         }
     }
     return false;

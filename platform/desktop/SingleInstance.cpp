@@ -1,7 +1,7 @@
 #include "platform/desktop/SingleInstance.h"
 
-#include "platform/core/Logging.h"
 #include "platform/core/Ending.h"
+#include "platform/core/Logging.h"
 #include "platform/core/StandStill.h"
 
 #include <QDBusConnection>
@@ -88,7 +88,7 @@ void SingleInstance::rejoin()
     case Role::Later:
         m_owner = false;
         qCWarning(lcDesktop) << "the session bus came back with" << kService
-                              << "owned by another program: later starts go to that one";
+                             << "owned by another program: later starts go to that one";
         return;
     case Role::First:
         return;
@@ -98,9 +98,11 @@ void SingleInstance::rejoin()
 bool SingleInstance::send(const QString &method)
 {
     if (method.isEmpty()) return true;
-    QDBusMessage call = QDBusMessage::createMethodCall(QString::fromLatin1(kService), QString::fromLatin1(kPath),
-                                                       QString::fromLatin1(kService), method);
-    return QDBusConnection::sessionBus().call(call, QDBus::Block, 5000).type() == QDBusMessage::ReplyMessage;
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(QString::fromLatin1(kService), QString::fromLatin1(kPath),
+                                       QString::fromLatin1(kService), method);
+    return QDBusConnection::sessionBus().call(call, QDBus::Block, 5000).type() ==
+           QDBusMessage::ReplyMessage;
 }
 
 // Each request is served from the event loop, after the reply has gone and after a capture
@@ -113,9 +115,18 @@ static void later(const std::function<void()> &f)
     });
 }
 
-void SingleInstance::Capture() { later(onCapture); }
-void SingleInstance::ShowPreferences() { later(onShowPreferences); }
-void SingleInstance::Quit() { later(onQuit); }
+void SingleInstance::Capture()
+{
+    later(onCapture);
+}
+void SingleInstance::ShowPreferences()
+{
+    later(onShowPreferences);
+}
+void SingleInstance::Quit()
+{
+    later(onQuit);
+}
 
 } // namespace fw
 

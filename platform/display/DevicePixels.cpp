@@ -1,7 +1,7 @@
 #include "platform/display/DevicePixels.h"
 
-#include "platform/display/FrameExtents.h"
 #include "platform/core/X11.h"
+#include "platform/display/FrameExtents.h"
 
 #include <cstdlib>
 

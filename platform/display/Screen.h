@@ -7,7 +7,7 @@
 namespace fw {
 
 struct ScreenInfo {
-    int Width = 0, Height = 0;                             // full size
+    int Width = 0, Height = 0;                                      // full size
     int AvailableLeft = 0, AvailableWidth = 0, AvailableHeight = 0; // less panels and docks
 };
 

@@ -89,7 +89,8 @@ QByteArray writeTemporary(const QFileInfo &target, const QByteArray &bytes, int 
     const int fd = ::mkstemp(tmpl.data());
     if (fd < 0) return {};
     ::fchmod(fd, mode_t(mode));
-    if (ownerKept) *ownerKept = (uid == ::geteuid() && gid == ::getegid()) || ::fchown(fd, uid, gid) == 0;
+    if (ownerKept)
+        *ownerKept = (uid == ::geteuid() && gid == ::getegid()) || ::fchown(fd, uid, gid) == 0;
     bool ok = writeAll(fd, bytes.constData(), size_t(bytes.size())) && ::fsync(fd) == 0;
     ok = (::close(fd) == 0) && ok;
     if (!ok) {
@@ -111,7 +112,8 @@ QString throughLinks(const QString &path)
         const ssize_t n = ::readlink(raw.constData(), buf, sizeof buf - 1);
         if (n <= 0) return {};
         const QString target = QFile::decodeName(QByteArray(buf, n));
-        p = QDir::cleanPath(QDir::isAbsolutePath(target) ? target : info.absolutePath() + "/" + target);
+        p = QDir::cleanPath(QDir::isAbsolutePath(target) ? target
+                                                         : info.absolutePath() + "/" + target);
     }
     return {}; // a loop
 }
@@ -135,7 +137,10 @@ bool rewriteInPlace(const QByteArray &path, const QByteArray &bytes)
 
 } // namespace
 
-bool isTemporaryName(const QString &fileName) { return writerOf(fileName) != 0; }
+bool isTemporaryName(const QString &fileName)
+{
+    return writerOf(fileName) != 0;
+}
 
 bool writeFileReplacing(const QString &path, const QByteArray &bytes, int mode)
 {
@@ -151,7 +156,8 @@ bool writeFileReplacing(const QString &path, const QByteArray &bytes, int mode)
 
     bool ownerKept = true;
     const QByteArray tmp =
-        exists ? writeTemporary(target, bytes, int(st.st_mode & 07777), st.st_uid, st.st_gid, &ownerKept)
+        exists ? writeTemporary(target, bytes, int(st.st_mode & 07777), st.st_uid, st.st_gid,
+                                &ownerKept)
                : writeTemporary(target, bytes, mode < 0 ? defaultMode() : mode, 0, 0, nullptr);
     if (tmp.isEmpty()) return false;
     if (!ownerKept) {
@@ -173,7 +179,8 @@ NewFileResult writeNewFile(const QString &path, const QByteArray &bytes)
     const QByteArray targetPath = QFile::encodeName(target.absoluteFilePath());
     const QByteArray tmp = writeTemporary(target, bytes, defaultMode(), 0, 0, nullptr);
     if (tmp.isEmpty()) return NewFileResult::Failed;
-    int r = ::renameat2(AT_FDCWD, tmp.constData(), AT_FDCWD, targetPath.constData(), RENAME_NOREPLACE);
+    int r =
+        ::renameat2(AT_FDCWD, tmp.constData(), AT_FDCWD, targetPath.constData(), RENAME_NOREPLACE);
     if (r != 0 && (errno == EINVAL || errno == ENOSYS)) {
         // A file system without that flag: a hard link is just as exclusive.
         r = ::link(tmp.constData(), targetPath.constData());

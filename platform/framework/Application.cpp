@@ -44,7 +44,10 @@ Application::~Application()
     if (g_application == this) g_application = nullptr;
 }
 
-Application &Application::instance() { return *nilCheck(g_application); }
+Application &Application::instance()
+{
+    return *nilCheck(g_application);
+}
 
 void Application::start()
 {
@@ -66,7 +69,8 @@ void Application::installSignalHandlers()
     sa.sa_handler = onSignal;
     sigemptyset(&sa.sa_mask);
     sa.sa_flags = SA_RESTART;
-    for (int sig : {SIGTERM, SIGINT, SIGHUP}) ::sigaction(sig, &sa, nullptr);
+    for (int sig : {SIGTERM, SIGINT, SIGHUP})
+        ::sigaction(sig, &sa, nullptr);
 }
 
 void Application::Quit(int code)
@@ -92,7 +96,10 @@ void Application::finish()
     if (g_ending) m_windows.forceCloseAll();
 }
 
-bool Application::ending() { return processEnding(); }
+bool Application::ending()
+{
+    return processEnding();
+}
 
 void Application::MsgBox(const QString &text)
 {

@@ -13,7 +13,10 @@ Canvas::Canvas(QWidget *parent) : QWidget(parent)
     setAutoFillBackground(true); // the erase before each paint
 }
 
-void Canvas::Refresh(bool) { repaint(); }
+void Canvas::Refresh(bool)
+{
+    repaint();
+}
 
 void Canvas::paintEvent(QPaintEvent *)
 {

@@ -18,11 +18,16 @@ void textFieldCommand(const QString &name)
 {
     auto *field = qobject_cast<QLineEdit *>(QApplication::focusWidget());
     if (!field) return;
-    if (name == "EditUndo") field->undo();
-    else if (name == "EditCut") field->cut();
-    else if (name == "EditCopy") field->copy();
-    else if (name == "EditPaste") field->paste();
-    else if (name == "EditClear") field->del();
+    if (name == "EditUndo")
+        field->undo();
+    else if (name == "EditCut")
+        field->cut();
+    else if (name == "EditCopy")
+        field->copy();
+    else if (name == "EditPaste")
+        field->paste();
+    else if (name == "EditClear")
+        field->del();
 }
 } // namespace
 

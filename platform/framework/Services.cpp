@@ -1,7 +1,7 @@
 #include "platform/framework/Services.h"
 
-#include "platform/system/SystemInformation.h"
 #include "platform/files/TemporaryFolder.h"
+#include "platform/system/SystemInformation.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -26,7 +26,8 @@ Services::Services(Bundle b, QString configFolder)
           const QString start = folder.isEmpty() ? suggested : folder + "/" + suggested;
           return QFileDialog::getSaveFileName(parent, QString(), start);
       }),
-      shiftKeyDown([] { return QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ShiftModifier); }),
+      shiftKeyDown(
+          [] { return QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ShiftModifier); }),
       printDialog([](QWidget *parent) -> std::unique_ptr<QPrinter> {
           auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
           printer->setDocName(QStringLiteral("Vantrel capture"));
@@ -61,7 +62,8 @@ QString userDesktopFolder()
 
 bool isWaylandSession(const QString &sessionType, const QString &waylandDisplay)
 {
-    return sessionType.compare(QLatin1String("wayland"), Qt::CaseInsensitive) == 0 || !waylandDisplay.isEmpty();
+    return sessionType.compare(QLatin1String("wayland"), Qt::CaseInsensitive) == 0 ||
+           !waylandDisplay.isEmpty();
 }
 
 } // namespace fw

@@ -4,9 +4,9 @@
 // fake.
 
 #include "platform/desktop/Bundle.h"
-#include "platform/store/CFPreferences.h"
 #include "platform/display/Cursors.h"
 #include "platform/hotkeys/HotKeyService.h"
+#include "platform/store/CFPreferences.h"
 #include "platform/system/Shell.h"
 
 #include <functional>
@@ -32,7 +32,8 @@ struct Services {
     // The system's folder chooser, modal; empty on cancel.
     std::function<QString(QWidget *parent, const QString &start)> selectFolder;
     // The save dialog, modal: a path, or empty on cancel.
-    std::function<QString(QWidget *parent, const QString &folder, const QString &suggested)> saveAsDialog;
+    std::function<QString(QWidget *parent, const QString &folder, const QString &suggested)>
+        saveAsDialog;
     // Whether Shift is down at the moment of asking.
     std::function<bool()> shiftKeyDown;
     // The print dialog: a printer ready for one page, or null on cancel.

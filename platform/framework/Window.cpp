@@ -23,7 +23,10 @@ void Window::create()
     Event_Open();
 }
 
-bool Window::Event_CancelClose(bool) { return false; }
+bool Window::Event_CancelClose(bool)
+{
+    return false;
+}
 
 void Window::keptDuring(const std::function<void()> &body)
 {
@@ -52,20 +55,47 @@ std::optional<bool> Window::runMenuHandler(const QString &name)
     return (*it)();
 }
 
-int Window::Left() const { return geometry().x(); }
-int Window::Top() const { return geometry().y() + barsHeight(); }
-int Window::Width() const { return width(); }
-int Window::Height() const { return height() - barsHeight(); }
+int Window::Left() const
+{
+    return geometry().x();
+}
+int Window::Top() const
+{
+    return geometry().y() + barsHeight();
+}
+int Window::Width() const
+{
+    return width();
+}
+int Window::Height() const
+{
+    return height() - barsHeight();
+}
 
 // The content's place, not the frame's: under a window manager move() would place the frame
 // there, and every write would shift the window by the frame.
-void Window::setLeft(int v) { moveContentTo(v, Top()); }
-void Window::setTop(int v) { moveContentTo(Left(), v); }
-void Window::moveContentTo(int left, int top) { setGeometry(QRect(QPoint(left, top - barsHeight()), geometry().size())); }
+void Window::setLeft(int v)
+{
+    moveContentTo(v, Top());
+}
+void Window::setTop(int v)
+{
+    moveContentTo(Left(), v);
+}
+void Window::moveContentTo(int left, int top)
+{
+    setGeometry(QRect(QPoint(left, top - barsHeight()), geometry().size()));
+}
 
 // What a write of the content's width or height gives: within the limits, bars included.
-int Window::boundedWidth(int v) const { return qBound(minimumWidth(), v, qMin(m_maxW, maximumWidth())); }
-int Window::boundedHeight(int v) const { return qBound(minimumHeight(), qMin(v, m_maxH) + barsHeight(), maximumHeight()); }
+int Window::boundedWidth(int v) const
+{
+    return qBound(minimumWidth(), v, qMin(m_maxW, maximumWidth()));
+}
+int Window::boundedHeight(int v) const
+{
+    return qBound(minimumHeight(), qMin(v, m_maxH) + barsHeight(), maximumHeight());
+}
 
 void Window::setWidth(int v)
 {
@@ -92,7 +122,8 @@ void Window::applySizeLimits()
 {
     const int bars = barsHeight();
     setMinimumSize(m_minW, m_minH + bars);
-    setMaximumSize(qMax(m_maxW, qMax(width(), m_minW)), qMax(m_maxH + bars, qMax(height(), m_minH + bars)));
+    setMaximumSize(qMax(m_maxW, qMax(width(), m_minW)),
+                   qMax(m_maxH + bars, qMax(height(), m_minH + bars)));
 }
 
 void Window::setMaxWidth(int v)
@@ -142,8 +173,14 @@ bool Window::moveWithPointer()
     return m_hold && moveHeld(this, *m_hold);
 }
 
-void Window::Show() { show(); }
-void Window::Hide() { hide(); }
+void Window::Show()
+{
+    show();
+}
+void Window::Hide()
+{
+    hide();
+}
 
 void Window::closeEvent(QCloseEvent *e)
 {

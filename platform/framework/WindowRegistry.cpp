@@ -2,12 +2,16 @@
 
 namespace fw {
 
-WindowRegistry::~WindowRegistry() { destroyAll(); }
+WindowRegistry::~WindowRegistry()
+{
+    destroyAll();
+}
 
 std::vector<Window *> WindowRegistry::windows() const
 {
     std::vector<Window *> out;
-    for (const auto &e : m_windows) out.push_back(e.window.get());
+    for (const auto &e : m_windows)
+        out.push_back(e.window.get());
     return out;
 }
 
@@ -40,7 +44,8 @@ bool WindowRegistry::closeAll()
 void WindowRegistry::forceCloseAll()
 {
     m_forcing = true;
-    for (Window *w : windows()) w->close();
+    for (Window *w : windows())
+        w->close();
     m_forcing = false;
 }
 

@@ -25,7 +25,8 @@ public:
         auto owned = std::make_unique<W>(m_services, *this);
         W *raw = owned.get();
         m_windows.push_back({std::type_index(typeid(W)), std::move(owned)});
-        if (auto hook = m_onMade.find(std::type_index(typeid(W))); hook != m_onMade.end()) hook->second(*raw);
+        if (auto hook = m_onMade.find(std::type_index(typeid(W))); hook != m_onMade.end())
+            hook->second(*raw);
         raw->create();
         return *raw;
     }

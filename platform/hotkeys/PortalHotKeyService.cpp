@@ -1,7 +1,7 @@
 #include "platform/hotkeys/PortalHotKeyService.h"
 
-#include "platform/system/LaunchCommand.h"
 #include "platform/portal/PortalRequest.h"
+#include "platform/system/LaunchCommand.h"
 
 #include <QCoreApplication>
 #include <QDBusArgument>

@@ -60,7 +60,8 @@ QString X11HotKeyService::keysymName(int keycode, bool shifted)
     if (keycode <= 0 || keycode > 255) return {};
     xcb_key_symbols_t *syms = xcb_key_symbols_alloc(m_conn);
     if (!syms) return {};
-    const xcb_keysym_t sym = xcb_key_symbols_get_keysym(syms, static_cast<xcb_keycode_t>(keycode), shifted ? 1 : 0);
+    const xcb_keysym_t sym =
+        xcb_key_symbols_get_keysym(syms, static_cast<xcb_keycode_t>(keycode), shifted ? 1 : 0);
     xcb_key_symbols_free(syms);
     char name[64];
     if (sym == XCB_NO_SYMBOL || xkb_keysym_get_name(sym, name, sizeof name) <= 0) return {};
@@ -74,13 +75,14 @@ void X11HotKeyService::AddKey(int keycode, int modifiers, quint32 signature, int
     const auto key = static_cast<xcb_keycode_t>(keycode);
     QList<quint16> held;
     for (quint16 extra : kIgnoredMasks) {
-        auto cookie = xcb_grab_key_checked(m_conn, 1, m_root, mask | extra, key, XCB_GRAB_MODE_ASYNC,
-                                           XCB_GRAB_MODE_ASYNC);
+        auto cookie = xcb_grab_key_checked(m_conn, 1, m_root, mask | extra, key,
+                                           XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
         if (xcb_generic_error_t *err = xcb_request_check(m_conn, cookie)) {
             std::free(err);
             // Another client holds the combination in some form: let go of ours too, so its
             // owner gets the key whatever the lock keys say. Silent, as claimed keys should be.
-            for (quint16 m : held) xcb_ungrab_key(m_conn, key, m_root, m);
+            for (quint16 m : held)
+                xcb_ungrab_key(m_conn, key, m_root, m);
             xcb_flush(m_conn);
             return;
         }
@@ -95,7 +97,10 @@ void X11HotKeyService::pressesHandledUntilNow()
 }
 
 // Server times are milliseconds that wrap around: compare by difference.
-static bool notAfter(quint32 a, quint32 b) { return qint32(a - b) <= 0; }
+static bool notAfter(quint32 a, quint32 b)
+{
+    return qint32(a - b) <= 0;
+}
 
 bool X11HotKeyService::isNewPress(quint32 time)
 {
@@ -115,7 +120,8 @@ void X11HotKeyService::grabAgain()
     // mapping can leave a passive grab without effect.
     const QList<Grab> grabs = m_grabs;
     for (const Grab &g : grabs)
-        for (quint16 extra : kIgnoredMasks) xcb_ungrab_key(m_conn, g.keycode, m_root, g.mask | extra);
+        for (quint16 extra : kIgnoredMasks)
+            xcb_ungrab_key(m_conn, g.keycode, m_root, g.mask | extra);
     m_grabs.clear();
     for (const Grab &g : grabs) {
         const int modifiers = ((g.mask & XCB_MOD_MASK_CONTROL) ? kCmdKey : 0) |
@@ -133,7 +139,8 @@ bool X11HotKeyService::nativeEventFilter(const QByteArray &eventType, void *mess
     const quint8 type = ev->response_type & ~0x80;
     if (type == XCB_MAPPING_NOTIFY) {
         // Queued, so that Qt has read the new mapping first.
-        QMetaObject::invokeMethod(this, [this] { grabAgain(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this] { grabAgain(); }, Qt::QueuedConnection);
         return false;
     }
     if (type != XCB_KEY_PRESS && type != XCB_KEY_RELEASE) return false;

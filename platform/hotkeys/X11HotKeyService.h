@@ -49,9 +49,9 @@ private:
     QList<Grab> m_grabs;
     bool m_held = false;
     quint32 m_lastRelease = 0, m_lastKeyTime = 0;
-    quint32 m_lastServed = 0;   // server time of the last press delivered
+    quint32 m_lastServed = 0;    // server time of the last press delivered
     QElapsedTimer m_sinceServed; // local time since then
-    quint32 m_dropUntil = 0;    // server time up to which presses were for earlier captures
+    quint32 m_dropUntil = 0;     // server time up to which presses were for earlier captures
 };
 
 } // namespace fw

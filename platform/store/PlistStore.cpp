@@ -69,8 +69,8 @@ void PlistStore::ensureLoaded()
     // What a writer killed in the middle of a write left goes at the start, not at the next write.
     removeTemporaryLeftovers(QFileInfo(m_path).absolutePath());
     auto loaded = plistfile::load(m_path);
-    m_dict = loaded.state == plistfile::State::Ok ? std::move(loaded.root)
-                                                    : PlistPtr(plist_new_dict());
+    m_dict =
+        loaded.state == plistfile::State::Ok ? std::move(loaded.root) : PlistPtr(plist_new_dict());
 }
 
 StoreObject PlistStore::value(const QString &key)
@@ -91,8 +91,8 @@ bool PlistStore::synchronize()
 {
     ensureLoaded();
     auto disk = plistfile::load(m_path);
-    PlistPtr merged = disk.state == plistfile::State::Ok ? std::move(disk.root)
-                                                         : PlistPtr(plist_new_dict());
+    PlistPtr merged =
+        disk.state == plistfile::State::Ok ? std::move(disk.root) : PlistPtr(plist_new_dict());
     bool ok = true;
     if (!m_pending.isEmpty()) {
         for (const auto &[key, value] : m_pending) {
@@ -104,8 +104,8 @@ bool PlistStore::synchronize()
         }
         if (disk.state == plistfile::State::Corrupt) {
             // Never overwrite what could not be read: keep it beside the new file.
-            const QString aside =
-                m_path + ".unreadable-" + QDateTime::currentDateTimeUtc().toString("yyyyMMddThhmmss");
+            const QString aside = m_path + ".unreadable-" +
+                                  QDateTime::currentDateTimeUtc().toString("yyyyMMddThhmmss");
             QFile::rename(m_path, aside);
             qCWarning(lcStore) << "unreadable, kept as" << aside;
         }

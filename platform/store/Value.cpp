@@ -72,7 +72,8 @@ plist_t StoreValue::toNode() const
         return plist_new_uint(static_cast<uint64_t>(m_integer));
     case Kind::Url: {
         plist_t dict = plist_new_dict();
-        plist_dict_set_item(dict, kUrlDictKey, plist_new_string(m_url.toString().toUtf8().constData()));
+        plist_dict_set_item(dict, kUrlDictKey,
+                            plist_new_string(m_url.toString().toUtf8().constData()));
         return dict;
     }
     case Kind::Other: {
@@ -167,7 +168,10 @@ StoreObject StoreValue::makeUrl(const QUrl &u)
     return v;
 }
 
-StoreObject NewCFString(const QString &text) { return StoreValue::makeString(text); }
+StoreObject NewCFString(const QString &text)
+{
+    return StoreValue::makeString(text);
+}
 
 StoreObject NewCFStringFromBytes(const QByteArray &bytes)
 {
@@ -177,9 +181,21 @@ StoreObject NewCFStringFromBytes(const QByteArray &bytes)
     return StoreValue::makeString(text);
 }
 
-StoreObject NewCFBoolean(bool value) { return StoreValue::makeBoolean(value); }
-StoreObject NewCFNumberInteger(qint64 value) { return StoreValue::makeInteger(value); }
-StoreObject NewCFBinaryData(const QByteArray &bytes) { return StoreValue::makeData(bytes); }
-StoreObject NewCFURL(const QUrl &url) { return StoreValue::makeUrl(url); }
+StoreObject NewCFBoolean(bool value)
+{
+    return StoreValue::makeBoolean(value);
+}
+StoreObject NewCFNumberInteger(qint64 value)
+{
+    return StoreValue::makeInteger(value);
+}
+StoreObject NewCFBinaryData(const QByteArray &bytes)
+{
+    return StoreValue::makeData(bytes);
+}
+StoreObject NewCFURL(const QUrl &url)
+{
+    return StoreValue::makeUrl(url);
+}
 
 } // namespace fw

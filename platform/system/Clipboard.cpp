@@ -5,16 +5,16 @@
 
 #include <QBuffer>
 #include <QClipboard>
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QGuiApplication>
 #include <QImageReader>
 #include <QMimeData>
-#include <QDeadlineTimer>
-#include <QEventLoop>
 #include <QProcess>
 #include <QStandardPaths>
-#include <QTimer>
-#include <QElapsedTimer>
 #include <QThread>
+#include <QTimer>
 #include <algorithm>
 #include <cstdlib>
 #include <xcb/xcb.h>
@@ -23,8 +23,13 @@ namespace fw {
 
 namespace {
 
-const char *const kPreferred[] = {"image/png", "image/bmp", "image/x-bmp", "image/tiff",
-                                  "image/jpeg", "image/gif", "image/x-portable-pixmap"};
+const char *const kPreferred[] = {"image/png",
+                                  "image/bmp",
+                                  "image/x-bmp",
+                                  "image/tiff",
+                                  "image/jpeg",
+                                  "image/gif",
+                                  "image/x-portable-pixmap"};
 
 // One conversion of the clipboard by xclip, given up at the deadline. Events other than user
 // input go on meanwhile, so that a selection we own ourselves is still served.
@@ -102,7 +107,8 @@ bool Clipboard::readThroughX11()
 
 Clipboard::Clipboard(std::optional<quint32> ownerBefore)
 {
-    if (ownerBefore && QGuiApplication::platformName() == QLatin1String("xcb")) waitForNewOwner(*ownerBefore);
+    if (ownerBefore && QGuiApplication::platformName() == QLatin1String("xcb"))
+        waitForNewOwner(*ownerBefore);
     if (readThroughX11()) return;
     // The capture helper has just handed the selection over; let the ownership change arrive so
     // that we don't read our own stale copy.
@@ -110,7 +116,8 @@ Clipboard::Clipboard(std::optional<quint32> ownerBefore)
     const QMimeData *md = QGuiApplication::clipboard()->mimeData();
     if (!md) return;
     QStringList formats;
-    for (const char *f : kPreferred) formats << QString::fromLatin1(f);
+    for (const char *f : kPreferred)
+        formats << QString::fromLatin1(f);
     for (const QString &f : md->formats())
         if (f.startsWith("image/") && !formats.contains(f)) formats << f;
     for (const QString &f : formats) {

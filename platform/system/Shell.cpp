@@ -33,7 +33,8 @@ int ProcessRunner::run(const QStringList &argv)
 {
     if (argv.isEmpty()) return -1;
     const QString program = resolve(argv.first());
-    if (program.isEmpty()) qCWarning(lcCapture) << "no program" << argv.first() << "on PATH or in the bundle";
+    if (program.isEmpty())
+        qCWarning(lcCapture) << "no program" << argv.first() << "on PATH or in the bundle";
     if (program.isEmpty() || processEnding()) return -1;
     QProcess p;
     // Children that stay behind (xclip keeps the selection) must not hold our output open.

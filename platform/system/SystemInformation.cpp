@@ -3,5 +3,8 @@
 #include <QSysInfo>
 
 namespace fw {
-QString OSVersionString() { return QSysInfo::prettyProductName(); }
+QString OSVersionString()
+{
+    return QSysInfo::prettyProductName();
+}
 } // namespace fw

@@ -8,12 +8,15 @@
 
 TestProgram::TestProgram(bool start)
 {
-    for (const char *sub : {"/config", "/Desktop", "/Vantrel.app/Contents/MacOS"}) QDir().mkpath(home.path() + sub);
+    for (const char *sub : {"/config", "/Desktop", "/Vantrel.app/Contents/MacOS"})
+        QDir().mkpath(home.path() + sub);
     qputenv("HOME", home.path().toUtf8());
     qputenv("XDG_CONFIG_HOME", configFolder().toUtf8());
     qputenv("XDG_DESKTOP_DIR", (home.path() + "/Desktop").toUtf8());
-    writeFile(bundlePath() + "/Contents/Info.plist", "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>CFBundleName</key>"
-              "<string>Vantrel</string><key>CFBundleExecutable</key><string>Vantrel</string></dict></plist>\n");
+    writeFile(bundlePath() + "/Contents/Info.plist",
+              "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>CFBundleName</key>"
+              "<string>Vantrel</string><key>CFBundleExecutable</key><string>Vantrel</string></"
+              "dict></plist>\n");
     // The toolbar's pictures and the stored scripts, as the build made them.
     for (const QString sub : {"Toolbar", "Scripts"}) {
         const QDir from(QStringLiteral(VANTREL_BUILT_RESOURCES) + "/" + sub);
@@ -21,7 +24,8 @@ TestProgram::TestProgram(bool start)
         for (const QString &f : from.entryList(QDir::Files))
             QFile::copy(from.filePath(f), bundlePath() + "/Contents/Resources/" + sub + "/" + f);
     }
-    services = std::make_unique<fw::Services>(fw::Bundle(bundlePath() + "/Contents/MacOS"), configFolder());
+    services = std::make_unique<fw::Services>(fw::Bundle(bundlePath() + "/Contents/MacOS"),
+                                              configFolder());
     services->commands.reset(runner = new FakeRunner);
     services->hotKeys.reset(keys = new FakeHotKeys);
     services->osVersionString = [] { return QStringLiteral("Mac OS X 10.5.8"); };
@@ -31,7 +35,8 @@ TestProgram::TestProgram(bool start)
         return saveAsAnswer;
     };
     QDir().mkpath(home.path() + "/tmp");
-    QFile::setPermissions(home.path() + "/tmp", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QFile::setPermissions(home.path() + "/tmp",
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     services->temporaryFolder = [this] { return home.path() + "/tmp"; };
     prefs = std::make_unique<Preferences>(services->preferenceDomains);
     session = std::make_unique<Session>();
@@ -70,7 +75,9 @@ void TestProgram::pressHotKey()
 
 Window1 &TestProgram::capture(const QImage &picture)
 {
-    runner->onRun = [picture](const QStringList &) { QGuiApplication::clipboard()->setImage(picture); };
+    runner->onRun = [picture](const QStringList &) {
+        QGuiApplication::clipboard()->setImage(picture);
+    };
     pressHotKey();
     return Window1::instance();
 }
@@ -85,7 +92,8 @@ QImage patternImage(int width, int height)
 {
     QImage img(width, height, QImage::Format_RGB32);
     for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) img.setPixel(x, y, qRgb((x * 7 + y) % 256, (y * 5 + x * 3) % 256, (x ^ y) % 256));
+        for (int x = 0; x < width; ++x)
+            img.setPixel(x, y, qRgb((x * 7 + y) % 256, (y * 5 + x * 3) % 256, (x ^ y) % 256));
     return img;
 }
 
@@ -102,23 +110,28 @@ QImage screenLike(int w, int h)
         p.fillRect(r, QColor(245, 245, 245));
         p.fillRect(r.x(), r.y(), r.width(), 20, QColor(60, 60, 60));
         for (int line = 0; line < r.height() / 16 - 2; ++line)
-            p.drawText(r.x() + 6, r.y() + 36 + line * 16, QString("Line %1 of some document text").arg(line));
+            p.drawText(r.x() + 6, r.y() + 36 + line * 16,
+                       QString("Line %1 of some document text").arg(line));
     }
     return img;
 }
 
 QByteArray pngHeaderClaiming(quint32 width, quint32 height)
 {
-    auto be32 = [](quint32 v) { return v = qToBigEndian(v), QByteArray(reinterpret_cast<const char *>(&v), 4); };
+    auto be32 = [](quint32 v) {
+        return v = qToBigEndian(v), QByteArray(reinterpret_cast<const char *>(&v), 4);
+    };
     auto chunk = [&](const QByteArray &typed) { // length, type and body, CRC-32
         quint32 c = 0xffffffffu;
         for (char ch : typed) {
             c ^= quint8(ch);
-            for (int k = 0; k < 8; ++k) c = (c >> 1) ^ (0xedb88320u & (0u - (c & 1u)));
+            for (int k = 0; k < 8; ++k)
+                c = (c >> 1) ^ (0xedb88320u & (0u - (c & 1u)));
         }
         return be32(quint32(typed.size() - 4)) + typed + be32(~c);
     };
-    return QByteArray("\x89PNG\r\n\x1a\n", 8) + chunk("IHDR" + be32(width) + be32(height) + QByteArray("\x08\x02\0\0\0", 5)) +
+    return QByteArray("\x89PNG\r\n\x1a\n", 8) +
+           chunk("IHDR" + be32(width) + be32(height) + QByteArray("\x08\x02\0\0\0", 5)) +
            chunk("IDAT" + QByteArray(16, '\0')) + chunk("IEND");
 }
 

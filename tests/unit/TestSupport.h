@@ -3,8 +3,8 @@
 // command, hot keys and dialogs, a recording message box, the real windows offscreen.
 
 #include "app/App.h"
-#include "platform/hotkeys/HotKeyService.h"
 #include "platform/framework/Services.h"
+#include "platform/hotkeys/HotKeyService.h"
 #include "prefs/Preferences.h"
 #include "prefs/Session.h"
 
@@ -41,7 +41,11 @@ public:
 
 class FakeHotKeys : public fw::HotKeyService {
 public:
-    struct Claim { int keycode, modifiers; quint32 signature; int id; };
+    struct Claim {
+        int keycode, modifiers;
+        quint32 signature;
+        int id;
+    };
     QList<Claim> claims;
     int AsciiToKeyCode(int ascii) override { return ascii; }
     void AddKey(int keycode, int modifiers, quint32 signature, int id) override
@@ -68,7 +72,10 @@ public:
     QString plistPath() const { return configFolder() + "/com.Morlane.Vantrel.plist"; }
     QString bundlePath() const { return home.path() + "/Vantrel.app"; }
     QString autostartFolder() const { return configFolder() + "/autostart"; }
-    void writePlist(const QByteArray &xml) const { writeFile(plistPath(), xml); } // before it is read
+    void writePlist(const QByteArray &xml) const
+    {
+        writeFile(plistPath(), xml);
+    } // before it is read
 
     // The capture command puts these bytes on the clipboard.
     void captureGivesBytes(const QByteArray &bytes, const QString &mime);

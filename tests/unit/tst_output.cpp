@@ -24,7 +24,8 @@ QJsonObject readBack(const QString &file, const QImage &expected)
     const QString reference = file + ".reference.ppm";
     expected.convertToFormat(QImage::Format_RGB888).save(reference, "PPM");
     QProcess p;
-    p.start("/usr/bin/python3", {QStringLiteral(VANTREL_TEST_SOURCE_DIR "/unit/readback.py"), file, reference});
+    p.start("/usr/bin/python3",
+            {QStringLiteral(VANTREL_TEST_SOURCE_DIR "/unit/readback.py"), file, reference});
     p.waitForFinished(60000);
     if (p.exitCode() != 0) qWarning() << p.readAllStandardError();
     return QJsonDocument::fromJson(p.readAllStandardOutput()).object();
@@ -44,9 +45,16 @@ private slots:
     {
         const QByteArray h = "vantrel-export-settings 1\n";
         // format row, settings, what the reader calls it, mean difference allowed, key=value facts
-        const struct { int row; QByteArray settings; QString format; double tolerance; QString facts; } cases[] = {
+        const struct {
+            int row;
+            QByteArray settings;
+            QString format;
+            double tolerance;
+            QString facts;
+        } cases[] = {
             {0, "", "JPEG", 4.0, "quality=85 progressive=false dpi=72"},
-            {0, h + "jpeg.quality=40\njpeg.progressive=1", "JPEG", 8.0, "quality=40 progressive=true"},
+            {0, h + "jpeg.quality=40\njpeg.progressive=1", "JPEG", 8.0,
+             "quality=40 progressive=true"},
             {1, "", "TIFF", 0.0, "compression=tiff_lzw dpi=72"},
             {1, h + "tiff.compression=none", "TIFF", 0.0, "compression=raw"},
             {1, h + "tiff.compression=zip", "TIFF", 0.0, "compression=tiff_adobe_deflate"},
@@ -80,10 +88,15 @@ private slots:
             const double bytes = got["bytes"].toDouble(), raw = 3.0 * 320 * 200;
             for (const QString &fact : c.facts.split(' ')) {
                 const QString key = fact.section('=', 0, 0), value = fact.section('=', 1);
-                if (key == "maxFraction") QVERIFY2(bytes <= raw * value.toDouble(), all);
-                else if (key == "minFraction") QVERIFY2(bytes >= raw * value.toDouble(), all);
-                else if (key == "dpi") QVERIFY2(qAbs(got[key].toDouble() - 72) < 1.5, all);
-                else QVERIFY2(got[key].toVariant().toString() == value, qPrintable(key + ": " + all));
+                if (key == "maxFraction")
+                    QVERIFY2(bytes <= raw * value.toDouble(), all);
+                else if (key == "minFraction")
+                    QVERIFY2(bytes >= raw * value.toDouble(), all);
+                else if (key == "dpi")
+                    QVERIFY2(qAbs(got[key].toDouble() - 72) < 1.5, all);
+                else
+                    QVERIFY2(got[key].toVariant().toString() == value,
+                             qPrintable(key + ": " + all));
             }
         }
     }
@@ -136,9 +149,10 @@ private slots:
         QTemporaryDir dir;
         fw::GraphicsExporter e(nullptr);
         e.InputPicture = patternImage(20, 10);
-        for (const QByteArray &bytes : {fw::ExporterSettings{}.toText(fw::ExportFormat::JPEG),
-                                        QByteArray("\x00\xff\x12 not settings at all", 22),
-                                        QByteArray("vantrel-export-settings 1\npng.compression=99\nbmp.depth=7")}) {
+        for (const QByteArray &bytes :
+             {fw::ExporterSettings{}.toText(fw::ExportFormat::JPEG),
+              QByteArray("\x00\xff\x12 not settings at all", 22),
+              QByteArray("vantrel-export-settings 1\npng.compression=99\nbmp.depth=7")}) {
             e.OpenExporter("PNGf");
             e.setSettings(bytes);
             QCOMPARE(e.Settings(), fw::ExporterSettings{}.toText(fw::ExportFormat::PNG));
@@ -166,7 +180,8 @@ private slots:
         t.commands().SaveTB_Action();
         QCOMPARE(descriptionIn(t.home.path() + "/Desktop/Capture.jpg", "xmp"), QJsonValue("Saved"));
         QVERIFY(!w.isVisible());
-        QVERIFY(t.commands().exporter->OutputFileMustBeNew); // never over a file that arrived meanwhile
+        QVERIFY(
+            t.commands().exporter->OutputFileMustBeNew); // never over a file that arrived meanwhile
         t.capture();
         t.shiftDown = true; // Save does not look at Shift
         t.commands().SaveTB_Action();
@@ -211,7 +226,9 @@ private slots:
         t.commands().MailTB_Action();
         QVERIFY(!w.isVisible() && t.commands().exporter->OutputFileMustBeNew);
         QCOMPARE(descriptionIn(t.home.path() + "/tmp/vtp3", "exif"), QJsonValue("Mailed"));
-        QCOMPARE(t.runner->calls.last(), (QStringList{t.bundlePath() + "/Contents/Resources/Scripts/168", t.home.path() + "/tmp/vtp3"}));
+        QCOMPARE(t.runner->calls.last(),
+                 (QStringList{t.bundlePath() + "/Contents/Resources/Scripts/168",
+                              t.home.path() + "/tmp/vtp3"}));
         t.capture();
         t.shiftDown = true;
         t.commands().MailTB_Action();
@@ -219,7 +236,8 @@ private slots:
         QVERIFY(t.session->settings.isEmpty() && w.isVisible());
         QCOMPARE(readFile(precious), QByteArray("keep me"));
         QVERIFY(!QFile::exists(t.home.path() + "/nowhere"));
-        QVERIFY(QFileInfo(t.home.path() + "/tmp/vtp3").isFile() && QFileInfo(t.home.path() + "/tmp/vtp4").isFile());
+        QVERIFY(QFileInfo(t.home.path() + "/tmp/vtp3").isFile() &&
+                QFileInfo(t.home.path() + "/tmp/vtp4").isFile());
     }
 
     // Printing sends the capture itself, without its scale or caption, to the page's top left.
@@ -238,8 +256,11 @@ private slots:
         w.scaleField->setText("50");
         w.captionText->setText("Caption");
         Window1::instance()._FilePrint_Action();
-        QCOMPARE(QProcess::execute("pdftoppm", {"-r", "72", "-png", "-singlefile", pdf, t.home.path() + "/page"}), 0);
-        const QImage page = QImage(t.home.path() + "/page.png").convertToFormat(QImage::Format_RGB32);
+        QCOMPARE(QProcess::execute(
+                     "pdftoppm", {"-r", "72", "-png", "-singlefile", pdf, t.home.path() + "/page"}),
+                 0);
+        const QImage page =
+            QImage(t.home.path() + "/page.png").convertToFormat(QImage::Format_RGB32);
         QCOMPARE(page.size(), QSize(612, 792)); // points
         QCOMPARE(page.pixelColor(310, 100), QColor(Qt::white));
         QCOMPARE(page.copy(0, 0, 300, 200), capture); // one to one
@@ -259,7 +280,8 @@ private slots:
                  w.getoutputimage().convertToFormat(QImage::Format_RGB32));
         const QByteArray png = QGuiApplication::clipboard()->mimeData()->data("image/png");
         QVERIFY(png.contains(QByteArray("Description\0\0\0\0\0Hello", 21)));
-        QCOMPARE(t.stored(PrefKeys::Settings.str())->toString(), QString::fromUtf8(t.session->settings));
+        QCOMPARE(t.stored(PrefKeys::Settings.str())->toString(),
+                 QString::fromUtf8(t.session->settings));
         QCOMPARE(t.stored(PrefKeys::LastScale.str())->toString(), QString("50"));
         t.shiftDown = false;
         t.commands().ToolbarItem1_Action();

@@ -4,12 +4,12 @@
 #include "TestSupport.h"
 
 #include "app/splash.h"
-#include "platform/framework/MenuBar.h"
 #include "editor/Caption.h"
 #include "editor/EditorMath.h"
 #include "editor/Window1.h"
-#include "platform/framework/Canvas.h"
 #include "platform/core/Failure.h"
+#include "platform/framework/Canvas.h"
+#include "platform/framework/MenuBar.h"
 #include "platform/framework/WindowRegistry.h"
 #include "prefs/HideDockIcon.h"
 #include "prefs/LaunchMeAtLogin.h"
@@ -51,7 +51,8 @@ private slots:
         TestProgram t;
         QCOMPARE(t.keys->claims.size(), 1);
         const auto c = t.keys->claims.first();
-        QCOMPARE((QList<int>{c.keycode, c.modifiers, int(c.signature)}), (QList<int>{'2', 768, 0x73636370}));
+        QCOMPARE((QList<int>{c.keycode, c.modifiers, int(c.signature)}),
+                 (QList<int>{'2', 768, 0x73636370}));
         QVERIFY(!QFile::exists(t.plistPath()));
         QVERIFY(t.app->trayIcon());
         // Another signature does nothing; any id of ours captures; a press while the capture
@@ -94,11 +95,13 @@ private slots:
     {
         TestProgram t;
         const QString bin = t.home.path() + "/bin", pid = t.home.path() + "/pid";
-        writeFile(bin + "/screencapture", "#!/bin/sh\nsleep 30 &\necho $! >" + pid.toUtf8() + "\nsleep 5\n");
+        writeFile(bin + "/screencapture",
+                  "#!/bin/sh\nsleep 30 &\necho $! >" + pid.toUtf8() + "\nsleep 5\n");
         QFile::setPermissions(bin + "/screencapture", QFile::ReadOwner | QFile::ExeOwner);
         t.services->commands = std::make_unique<fw::ProcessRunner>(bin);
         std::thread signal([&] {
-            for (int i = 0; i < 250 && readFile(pid).toInt() <= 0; ++i) QThread::msleep(20);
+            for (int i = 0; i < 250 && readFile(pid).toInt() <= 0; ++i)
+                QThread::msleep(20);
             ::kill(::getpid(), SIGTERM);
         });
         t.pressHotKey();
@@ -112,15 +115,21 @@ private slots:
     // one beyond the allocation limit ends in the one message. Either way the next capture works.
     void noPictureIsSilent_aBrokenOneGivesTheOneMessage()
     {
-        const struct { QByteArray bytes; QString mime; bool message; } cases[] = {
-            {"", "", false}, {"just words\n", "text/plain", false},
+        const struct {
+            QByteArray bytes;
+            QString mime;
+            bool message;
+        } cases[] = {
+            {"", "", false},
+            {"just words\n", "text/plain", false},
             {QByteArray("\x89PNG\r\n\x1a\n", 8) + QByteArray(1000, 'x'), "image/png", true},
             {pngHeaderClaiming(40000, 40000), "image/png", true}};
         for (const auto &c : cases) {
             TestProgram t;
             if (!c.mime.isEmpty()) t.captureGivesBytes(c.bytes, c.mime);
             t.pressHotKey();
-            QCOMPARE(t.app->messages, c.message ? QStringList{"An Error Ocurred at OpenEditor"} : QStringList());
+            QCOMPARE(t.app->messages,
+                     c.message ? QStringList{"An Error Ocurred at OpenEditor"} : QStringList());
             QVERIFY(!t.app->windows().existing<Window1>()->isVisible());
             QVERIFY2(!t.app->quitRequested(), "the editor refuses the failure road's quit");
             QVERIFY(t.capture().isVisible());
@@ -130,7 +139,13 @@ private slots:
     void storedScaleAndFormat_decideTheFirstLoad()
     {
         // stored LastScale, field, slider, scaled size of a 200x100 capture, message
-        const struct { QByteArray stored; QString field; int slider; QSize size; QString message; } cases[] = {
+        const struct {
+            QByteArray stored;
+            QString field;
+            int slider;
+            QSize size;
+            QString message;
+        } cases[] = {
             {"", "100", 100, {200, 100}, ""},
             {"<string>150</string>", "150", 150, {300, 150}, ""},
             {"<string>abc</string>", "10", 10, {20, 10}, ""}, // no number: pinned to 10
@@ -139,7 +154,8 @@ private slots:
         for (const auto &c : cases) {
             TestProgram t(false);
             t.writePlist("<plist><dict><key>LastFormat</key><string>png</string>" +
-                         (c.stored.isEmpty() ? QByteArray() : "<key>LastScale</key>" + c.stored) + "</dict></plist>");
+                         (c.stored.isEmpty() ? QByteArray() : "<key>LastScale</key>" + c.stored) +
+                         "</dict></plist>");
             t.app->_Startup();
             Window1 &w = t.capture(patternImage(200, 100));
             QCOMPARE(t.app->messages, c.message.isEmpty() ? QStringList() : QStringList{c.message});
@@ -222,13 +238,16 @@ private slots:
         QCOMPARE(plain.pixel(2, 2), pic.pixel(1, 1)); // the plain path repeats source pixels
         QImage own = w.getscaledimage().toImage();
         own.fill(Qt::red); // each call gives a picture of its own
-        QCOMPARE(w.getscaledimage().toImage().convertToFormat(QImage::Format_RGB32), plain.convertToFormat(QImage::Format_RGB32));
+        QCOMPARE(w.getscaledimage().toImage().convertToFormat(QImage::Format_RGB32),
+                 plain.convertToFormat(QImage::Format_RGB32));
     }
 
     void caption_darkensOnlyItsBand()
     {
         for (const auto &[size, caption] : QList<QPair<QSize, QString>>{
-                 {{400, 200}, "Hello"}, {{400, 200}, " "}, {{120, 200}, "a caption far longer than the picture is wide"},
+                 {{400, 200}, "Hello"},
+                 {{400, 200}, " "},
+                 {{120, 200}, "a caption far longer than the picture is wide"},
                  {{40, 20}, "many words that wrap into a tall band here"}}) {
             TestProgram t;
             Window1 &w = t.capture(patternImage(size.width(), size.height()));
@@ -243,10 +262,12 @@ private slots:
                 for (int x = 0; x < W; ++x)
                     if (!band.contains(x, y)) QCOMPARE(banded.pixel(x, y), plain.pixel(x, y));
             // The plate's top and bottom rows and its left edge: 145/255 black over the picture.
-            for (const QPoint at : {QPoint(band.center().x(), band.top()), QPoint(band.center().x(), band.bottom()),
-                                    QPoint(band.left() + 1, band.center().y())})
+            for (const QPoint at :
+                 {QPoint(band.center().x(), band.top()), QPoint(band.center().x(), band.bottom()),
+                  QPoint(band.left() + 1, band.center().y())})
                 if (plain.rect().contains(at))
-                    QVERIFY2(qAbs(qRed(banded.pixel(at)) - qRed(plain.pixel(at)) * 110 / 255) <= 2, qPrintable(caption));
+                    QVERIFY2(qAbs(qRed(banded.pixel(at)) - qRed(plain.pixel(at)) * 110 / 255) <= 2,
+                             qPrintable(caption));
             w.captionText->setText(QString());
             QCOMPARE(w.getoutputimage(), plain);
         }
@@ -259,8 +280,11 @@ private slots:
         TestProgram t;
         Window1 &w = t.capture(patternImage(300, 200));
         for (bool smooth : {true, false})
-            for (const auto &[scale, caption] : QList<QPair<int, QString>>{
-                     {10, ""}, {99, "A caption"}, {100, ""}, {150, "A caption"}, {1000, "A caption"}}) {
+            for (const auto &[scale, caption] : QList<QPair<int, QString>>{{10, ""},
+                                                                           {99, "A caption"},
+                                                                           {100, ""},
+                                                                           {150, "A caption"},
+                                                                           {1000, "A caption"}}) {
                 prefwin::instance().quartz->setChecked(smooth);
                 w.captionText->setText(caption);
                 w.scaleField->setText(QString::number(scale));
@@ -269,19 +293,24 @@ private slots:
                 for (double at : {0.0, 0.37, 1.0}) {
                     w.ScrollBarH->setValue(int(w.ScrollBarH->maximum() * at));
                     w.ScrollBarV->setValue(int(w.ScrollBarV->maximum() * at));
-                    const QImage shot = w.Canvas1->grab().toImage().convertToFormat(QImage::Format_RGB32);
+                    const QImage shot =
+                        w.Canvas1->grab().toImage().convertToFormat(QImage::Format_RGB32);
                     const editor::PaintPlacement pl = editor::paintPlacement(
                         whole.size(), shot.size(), w.ScrollBarH->value(), w.ScrollBarV->value());
                     const QRect part = QRect(pl.source, pl.destination.size()) & whole.rect();
-                    const QRect onCanvas = QRect(pl.destination.topLeft() + part.topLeft() - pl.source, part.size()) & shot.rect();
-                    QCOMPARE(shot.copy(onCanvas), whole.copy(onCanvas.translated(pl.source - pl.destination.topLeft())));
+                    const QRect onCanvas =
+                        QRect(pl.destination.topLeft() + part.topLeft() - pl.source, part.size()) &
+                        shot.rect();
+                    QCOMPARE(shot.copy(onCanvas),
+                             whole.copy(onCanvas.translated(pl.source - pl.destination.topLeft())));
                 }
             }
         const int h = w.ScrollBarH->maximum(), v = w.ScrollBarV->maximum();
         w.ScrollBarH->setValue(h / 3);
         w.captionText->setText("caption changes"); // the ranges stay
-        QCOMPARE((QList<int>{w.ScrollBarH->maximum(), w.ScrollBarV->maximum(), w.ScrollBarH->value()}),
-                 (QList<int>{h, v, h / 3}));
+        QCOMPARE(
+            (QList<int>{w.ScrollBarH->maximum(), w.ScrollBarV->maximum(), w.ScrollBarH->value()}),
+            (QList<int>{h, v, h / 3}));
     }
 
     void pan_movesTheViewWithTheHand()
@@ -307,7 +336,13 @@ private slots:
     {
         // "slider N", "paste TEXT" (the whole field at once), "type KEYS", "preset ROW"; then
         // currentscale, field, slider, and the scaled size of a 200x100 capture
-        const struct { QString action; int scale; QString field; int slider; QSize picture; } cases[] = {
+        const struct {
+            QString action;
+            int scale;
+            QString field;
+            int slider;
+            QSize picture;
+        } cases[] = {
             {"slider 50", 50, "50", 50, {100, 50}},
             {"paste 75.9", 75, "75", 75, {150, 75}},
             {"paste 5", 10, "10", 10, {20, 10}},
@@ -339,7 +374,8 @@ private slots:
     void drawer_keepsTheLastTenAndGivesOneBack()
     {
         TestProgram t;
-        for (int i = 1; i <= 11; ++i) t.capture(solid(10 + i, 10, Qt::gray));
+        for (int i = 1; i <= 11; ++i)
+            t.capture(solid(10 + i, 10, Qt::gray));
         recentwin &d = recentwin::instance();
         QCOMPARE(d.recentimages.size(), 10);
         QCOMPARE(d.recentimages.pictureSize(0).width(), 12);
@@ -349,7 +385,8 @@ private slots:
         QCOMPARE(d.ScrollBar1->maximum(), 0);
 
         const QList<QColor> colours = {Qt::red, Qt::blue, Qt::green};
-        for (const QColor &c : colours) t.capture(c == Qt::blue ? solid(75, 75, c) : solid(600, 150, c));
+        for (const QColor &c : colours)
+            t.capture(c == Qt::blue ? solid(75, 75, c) : solid(600, 150, c));
         const QImage shot = d.Canvas2->grab().toImage().convertToFormat(QImage::Format_RGB32);
         QCOMPARE(shot.pixelColor(0, 56), QColor(50, 50, 50)); // 600x150 fits 150 by 37.5, framed
         QCOMPARE(shot.pixelColor(75, 75), QColor(Qt::red));
@@ -359,13 +396,15 @@ private slots:
         Window1 &w = Window1::instance();
         w.Slider1->setValue(50);
         // release y, entry taken (-1: a beep and nothing else)
-        for (const auto &[y, entry] : QList<QPair<int, int>>{{152, 0}, {155, 1}, {-20, 0}, {470, -1}, {-400, -1}}) {
+        for (const auto &[y, entry] :
+             QList<QPair<int, int>>{{152, 0}, {155, 1}, {-20, 0}, {470, -1}, {-400, -1}}) {
             w.mypic = QImage();
             QVERIFY(d.Canvas2_MouseDown(10, y));
             d.Canvas2_MouseUp(10, y);
             QCOMPARE(beeps, entry < 0 ? 1 : 0);
             beeps = 0;
-            QCOMPARE(w.mypic.isNull() ? QColor() : w.mypic.pixelColor(0, 0), entry < 0 ? QColor() : colours[entry]);
+            QCOMPARE(w.mypic.isNull() ? QColor() : w.mypic.pixelColor(0, 0),
+                     entry < 0 ? QColor() : colours[entry]);
             if (entry >= 0) QCOMPARE(w.scaleField->text(), QString("50"));
         }
         // Kept packed, and made back on a click pixel for pixel.
@@ -380,9 +419,11 @@ private slots:
         TestProgram t;
         Window1 &w = t.capture();
         QMenuBar *bar = w.menuBar;
-        for (const QString item : {"FileQuit Ctrl+Q", "FilePrint Ctrl+P", "FileClose Ctrl+W", "FilePreferences ",
-                                   "EditUndo Ctrl+Z", "EditCut Ctrl+X", "EditCopy Ctrl+C", "EditPaste Ctrl+V", "EditClear "})
-            QCOMPARE(fw::menus::find(bar, item.section(' ', 0, 0))->shortcut().toString(), item.section(' ', 1));
+        for (const QString item : {"FileQuit Ctrl+Q", "FilePrint Ctrl+P", "FileClose Ctrl+W",
+                                   "FilePreferences ", "EditUndo Ctrl+Z", "EditCut Ctrl+X",
+                                   "EditCopy Ctrl+C", "EditPaste Ctrl+V", "EditClear "})
+            QCOMPARE(fw::menus::find(bar, item.section(' ', 0, 0))->shortcut().toString(),
+                     item.section(' ', 1));
         fw::Application &app = *t.app;
         QApplication::setActiveWindow(&w);
         QVERIFY(fw::menus::isAvailable(app, "FilePrint"));
@@ -406,7 +447,8 @@ private slots:
         TestProgram t;
         bool restored = false;
         t.services->pageSetupDialog = [&](QPrinter &p) {
-            restored = p.pageLayout().pageSize().id() == QPageSize::A5 && p.pageLayout().orientation() == QPageLayout::Landscape;
+            restored = p.pageLayout().pageSize().id() == QPageSize::A5 &&
+                       p.pageLayout().orientation() == QPageLayout::Landscape;
             p.setPageSize(QPageSize(QPageSize::A5));
             p.setPageOrientation(QPageLayout::Landscape);
             return true;
@@ -420,10 +462,12 @@ private slots:
     void preferencesWindow_readsStoresAndReflectsTheDisk()
     {
         TestProgram t(false);
-        t.writePlist("<plist><dict><key>QuartzScaling</key><true/><key>DefaultMailer</key><integer>2</integer></dict></plist>");
+        t.writePlist("<plist><dict><key>QuartzScaling</key><true/><key>DefaultMailer</"
+                     "key><integer>2</integer></dict></plist>");
         loginitems::setLaunchAtLogin(true, t.bundlePath(), t.autostartFolder());
         dockicon::setHidden(t.bundlePath(), true);
-        const QByteArray before = QDir(t.autostartFolder()).entryList(QDir::Files).join(",").toUtf8();
+        const QByteArray before =
+            QDir(t.autostartFolder()).entryList(QDir::Files).join(",").toUtf8();
         t.app->_Startup();
         QVERIFY2(!t.app->trayIcon(), "hidden by the bundle at launch");
         prefwin &p = prefwin::instance();

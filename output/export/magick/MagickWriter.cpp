@@ -4,7 +4,6 @@
 
 #include "output/export/MagickWriter.h"
 
-
 #include <Magick++.h>
 #include <QCoreApplication>
 #include <mutex>
