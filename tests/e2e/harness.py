@@ -282,14 +282,16 @@ class E2ETestCase(unittest.TestCase):
 
     def assert_editor_shows(self, wid, picture, scale=1):
         """The editor shows the 200x120 picture one to one, centred one pixel in a canvas of the
-        floors (300x250 less 15 and 90); `scale` is the screen's device pixel ratio."""
-        x, y, w, h = wait_for(lambda: (lambda g: g[2] == 300 * scale and g)(self.s.geometry(wid)), 3.0) or (0, 0, 0, 0)
-        self.assertEqual(w, 300 * scale)
-        time.sleep(0.3)  # let a compositor draw it
-        shown = self.s.screen_part(x + (285 * scale - 200) // 2 + 1, y + h - 250 * scale + (160 * scale - 120) // 2 + 1,
-                                   200, 120)
-        self.assertEqual(self.s.differing_pixels(shown, picture), 0)
-        return x, y, w, h
+        floors (300x250 less 15 and 90); `scale` is the screen's device pixel ratio. Looked at
+        until the window manager and a compositor have settled it."""
+        def shows():
+            x, y, w, h = self.s.geometry(wid)
+            shown = w == 300 * scale and self.s.screen_part(
+                x + (285 * scale - 200) // 2 + 1, y + h - 250 * scale + (160 * scale - 120) // 2 + 1, 200, 120)
+            return shown and self.s.differing_pixels(shown, picture) == 0 and (x, y, w, h)
+        found = wait_for(shows, 3.0)
+        self.assertTrue(found, ("the picture one to one", self.s.geometry(wid)))
+        return found
 
 
 TMP = os.environ.get("E2E_DIR", "")  # a Wayland suite's folder, once it runs as its own user
