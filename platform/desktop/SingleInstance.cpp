@@ -22,7 +22,8 @@ static QDBusConnection connection()
                                          QString::fromLatin1(kConnection));
 }
 
-// The bus object: the reply goes at once, the request follows as an event.
+// The bus object, on its own thread: the reply goes at once, even while a capture holds the main
+// thread, and the request follows as an event of the main thread.
 class SingleInstance::Receiver : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.Morlane.Vantrel")
@@ -42,11 +43,18 @@ private:
     SingleInstance *m_owner;
 };
 
-SingleInstance::SingleInstance() : m_receiver(std::make_unique<Receiver>(this)) {}
+SingleInstance::SingleInstance() : m_receiver(std::make_unique<Receiver>(this))
+{
+    m_answering.setObjectName(QStringLiteral("vantrel-instance"));
+    m_receiver->moveToThread(&m_answering);
+}
 
 SingleInstance::~SingleInstance()
 {
+    if (m_owner) QDBusConnection(m_bus).unregisterObject(QString::fromLatin1(kPath));
     QDBusConnection::disconnectFromBus(QString::fromLatin1(kConnection));
+    m_answering.quit();
+    m_answering.wait();
 }
 
 SingleInstance::Role SingleInstance::own(QDBusConnection &bus)
@@ -69,6 +77,7 @@ SingleInstance::Role SingleInstance::claim()
     const Role role = own(bus);
     if (role != Role::First) return role;
     m_owner = true;
+    m_answering.start();
     auto *watch = new QTimer(this);
     connect(watch, &QTimer::timeout, this, &SingleInstance::rejoin);
     watch->start(1000);

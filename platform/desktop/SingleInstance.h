@@ -2,10 +2,12 @@
 // One resident program per session. The first to start owns the session bus name
 // com.Morlane.Vantrel, with an object /com/Morlane/Vantrel that offers Capture(),
 // ShowPreferences() and Quit(); a later start hands its request to it and exits. Without a
-// session bus every start runs on its own, as if alone. A request that comes during a capture is
-// carried out after it; one that comes while the program ends is dropped.
+// session bus every start runs on its own, as if alone. Requests are answered from a thread of
+// their own, so a later start never waits on a capture; one that comes during a capture is
+// carried out after it, and one that comes while the program ends is dropped.
 
 #include <QObject>
+#include <QThread>
 #include <functional>
 #include <memory>
 
@@ -37,6 +39,8 @@ private:
     void rejoin();
     class Receiver;
     std::unique_ptr<Receiver> m_receiver;
+    QThread m_answering; // where m_receiver lives: the main thread may stand still
+
     bool m_owner = false;
     QString m_bus; // the connection that holds the name
 };
