@@ -187,9 +187,10 @@ void Window1::fitToolbar(int width)
 {
     if (toolBar->toolButtonStyle() == Qt::ToolButtonTextUnderIcon)
         m_captionedToolbar = toolBar->sizeHint();
-    toolBar->setMinimumHeight(m_captionedToolbar.height());
     toolBar->setToolButtonStyle(width < m_captionedToolbar.width() ? Qt::ToolButtonIconOnly
                                                                    : Qt::ToolButtonTextUnderIcon);
+    // After the style: QToolBar drops its minimum size whenever the style changes.
+    toolBar->setMinimumHeight(m_captionedToolbar.height());
 }
 
 void Window1::layoutFor(const QSize &size)

@@ -28,6 +28,7 @@
 #include <QScrollBar>
 #include <QSlider>
 #include <QTimer>
+#include <QToolBar>
 #include <QToolButton>
 #include <csignal>
 #include <thread>
@@ -368,6 +369,25 @@ private slots:
             if (c.scale <= 200) continue;
             w.Slider1->setValue(150); // above 200 the slider no longer leads
             QCOMPARE(w.currentscale, c.scale);
+        }
+    }
+
+    void toolbar_picturesOnlyWhenNarrow_atOneHeight()
+    {
+        TestProgram t;
+        Window1 &w = t.capture(patternImage(200, 100));
+        QVERIFY(w.toolBar);
+        w.resize(1000, w.height());
+        QCoreApplication::processEvents();
+        const QSize captioned = w.toolBar->size();
+        // Narrow, wide, narrow again: the order a held key's loads can give.
+        for (const int width : {300, 1000, 300, 300, 1000, 1000, 300}) {
+            w.resize(width, w.height());
+            QCoreApplication::processEvents();
+            QCOMPARE(w.toolBar->toolButtonStyle(), width < captioned.width()
+                                                       ? Qt::ToolButtonIconOnly
+                                                       : Qt::ToolButtonTextUnderIcon);
+            QCOMPARE(w.toolBar->height(), captioned.height());
         }
     }
 
