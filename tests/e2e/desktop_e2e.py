@@ -28,8 +28,18 @@ class CaptureRoadTest(E2ETestCase):
         a while when it can't): the callers give it a second, as a person would."""
         return '("slop" "slop")' in self.s.run("xwininfo", "-root", "-tree", check=False).stdout
 
+    def helper_folders(self):
+        runtime = self.s.env["XDG_RUNTIME_DIR"]
+        return sorted(f for f in os.listdir(runtime) if f.startswith("screencapture."))
+
     def test_escape_cancels_and_a_drag_gives_exactly_that_region_with_the_server_free(self):
         s = self.s
+        # The working folders of a killed helper (its pid gone) and of one still running.
+        gone = subprocess.Popen(["true"])
+        gone.wait()
+        dead, alive = f"screencapture.{gone.pid}.Xq3kfa", f"screencapture.{os.getpid()}.Wm2pzc"
+        for name in (dead, alive):
+            os.makedirs(os.path.join(s.env["XDG_RUNTIME_DIR"], name, "sub"), mode=0o700)
         s.run("xsetroot", "-solid", "#336699")
         s.run("sh", "-c", "echo 'keep me' | xclip -selection clipboard -i >/dev/null 2>&1")
         s.start()
@@ -46,6 +56,7 @@ class CaptureRoadTest(E2ETestCase):
         time.sleep(1.0)
         self.assertEqual(s.of_role("editor"), [])
         self.assertEqual(s.clipboard("UTF8_STRING"), b"keep me\n")
+        self.assertEqual(self.helper_folders(), [alive], "the dead helper's folder gone, its own too")
 
         s.key("ctrl+shift+2")
         self.assertTrue(wait_for(self.slop_ready, 5.0))
@@ -60,6 +71,21 @@ class CaptureRoadTest(E2ETestCase):
         self.assertTrue(abs(w - 120) <= 1 and abs(h - 60) <= 1, (w, h))
         self.assertEqual(s.differing_pixels(got, s.crop(ref, 400, 250, w, h, "want.png")), 0)
         viewer.kill()
+
+        # A quit during a selection ends the program at once and the helper with it; the next
+        # capture clears what the killed helper left.
+        s.key("ctrl+shift+2")
+        self.assertTrue(wait_for(self.slop_ready, 5.0))
+        s.proc.terminate()
+        self.assertEqual(s.wait_exit(3), 0)
+        self.assertTrue(wait_for(lambda: not self.slop_ready(), 2.0), "the selection went with it")
+        self.assertEqual(len(self.helper_folders()), 2, "the killed helper's folder")
+        s.start()
+        s.key("ctrl+shift+2")
+        self.assertTrue(wait_for(self.slop_ready, 5.0))
+        time.sleep(1.0)
+        s.run("xdotool", "keydown", "Escape", "sleep", "0.15", "keyup", "Escape")
+        self.assertTrue(wait_for(lambda: self.helper_folders() == [alive], 3.0), self.helper_folders())
 
     def test_a_held_key_a_helper_gone_before_its_owner_and_an_owner_that_never_answers(self):
         s = self.s
