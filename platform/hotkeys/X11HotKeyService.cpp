@@ -94,6 +94,17 @@ void X11HotKeyService::AddKey(int keycode, int modifiers, quint32 signature, int
 void X11HotKeyService::pressesHandledUntilNow()
 {
     if (m_sinceServed.isValid()) m_dropUntil = m_lastServed + quint32(m_sinceServed.elapsed());
+    // The served press's release went elsewhere (its grab was let go): ask whether the key is up.
+    if (m_held && m_servedKey != 0 && !keyDown(m_servedKey)) m_held = false;
+}
+
+bool X11HotKeyService::keyDown(quint8 keycode) const
+{
+    xcb_query_keymap_reply_t *reply =
+        xcb_query_keymap_reply(m_conn, xcb_query_keymap(m_conn), nullptr);
+    const bool down = reply && (reply->keys[keycode / 8] & (1 << (keycode % 8)));
+    std::free(reply);
+    return down;
 }
 
 // Server times are milliseconds that wrap around: compare by difference.
@@ -157,6 +168,14 @@ bool X11HotKeyService::nativeEventFilter(const QByteArray &eventType, void *mess
         if (!isNewPress(kp->time)) return true;
         m_lastServed = kp->time;
         m_sinceServed.start();
+        if (kp->event == m_root) {
+            // The press made our passive grab active until the key's release; let go of it at
+            // once, so that the selection tool the capture starts gets the keyboard at its first
+            // try instead of retrying until the hand has let go.
+            m_servedKey = kp->detail;
+            xcb_ungrab_keyboard(m_conn, XCB_CURRENT_TIME);
+            xcb_flush(m_conn);
+        }
         // Queued: the handler runs as an ordinary event, not inside X event processing.
         QMetaObject::invokeMethod(
             this, [this, sig = g.signature, id = g.id] { emit hotKeyPressed(sig, id); },

@@ -2,7 +2,8 @@
 // Hot keys on X11: a passive key grab on the root window, read through Qt's native event filter.
 // One press is one press: the repeats of a held key are not (whether the server reports them as
 // presses alone or as release-press pairs of one time), nor presses made before the last one was
-// served. A combination is claimed whole or not at all.
+// served. A combination is claimed whole or not at all. A served press lets go of the keyboard at
+// once, so that what the press starts can take it.
 
 #include "platform/hotkeys/HotKeyService.h"
 
@@ -43,6 +44,7 @@ private:
     bool isNewPress(quint32 time);
     // After a change of the keyboard mapping: the same keys claimed anew.
     void grabAgain();
+    bool keyDown(quint8 keycode) const;
 
     xcb_connection_t *m_conn;
     quint32 m_root;
@@ -52,6 +54,7 @@ private:
     quint32 m_lastServed = 0;    // server time of the last press delivered
     QElapsedTimer m_sinceServed; // local time since then
     quint32 m_dropUntil = 0;     // server time up to which presses were for earlier captures
+    quint8 m_servedKey = 0;      // the key of the last press served
 };
 
 } // namespace fw
