@@ -1,13 +1,22 @@
-// x11-grab [-g WxH+X+Y] file
+// x11-grab [-g WxH+X+Y] (-c | file)
 // The capture helper's grab on X11: the screen's pixels (the pointer is never in them) of a
-// region, or of the whole screen, written as an RGB PNG. The PNG is made for a hand-off, not for
+// region, or of the whole screen, as an RGB PNG. The PNG is made for a hand-off, not for
 // keeping: rows are not filtered and zlib works at its fastest level, a fraction of what a
 // general screenshot tool spends, and still a file any program reads.
-// Exit 0 on success; 1 when there is no display or the region is off the screen; 2 on bad use.
+// -c: the PNG goes to the clipboard through a pipe into xclip, with no file on the way; xclip
+// stays behind to serve it, as it does when started by hand.
+// Exit 0 on success; 1 when there is no display, the region is off the screen or xclip failed
+// (the clipboard is then as it was); 2 on bad use.
 
 #include <xcb/xcb.h>
 #include <zlib.h>
 
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -62,7 +71,7 @@ bool grab(xcb_connection_t *c, int x, int y, int w, int h, Pixels &p)
     return true;
 }
 
-bool writePng(const Pixels &p, const char *path)
+std::string encodePng(const Pixels &p)
 {
     std::string png("\x89PNG\r\n\x1a\n", 8), ihdr;
     put32(ihdr, uint32_t(p.width));
@@ -71,7 +80,7 @@ bool writePng(const Pixels &p, const char *path)
     chunk(png, "IHDR", ihdr);
 
     z_stream z{};
-    if (deflateInit(&z, 1) != Z_OK) return false;
+    if (deflateInit(&z, 1) != Z_OK) return {};
     std::string idat;
     std::vector<uint8_t> row(size_t(p.width) * 3 + 1), out(1 << 18);
     for (int y = 0; y < p.height; ++y) {
@@ -90,16 +99,59 @@ bool writePng(const Pixels &p, const char *path)
             rc = deflate(&z, flush);
             idat.append(reinterpret_cast<const char *>(out.data()), out.size() - z.avail_out);
         } while (z.avail_out == 0 || (flush == Z_FINISH && rc != Z_STREAM_END));
-        if (rc == Z_STREAM_ERROR) break;
+        if (rc == Z_STREAM_ERROR) {
+            deflateEnd(&z);
+            return {};
+        }
     }
     deflateEnd(&z);
     chunk(png, "IDAT", idat);
     chunk(png, "IEND", std::string());
+    return png;
+}
 
+bool writeFile(const std::string &png, const char *path)
+{
     FILE *f = std::fopen(path, "wb");
     if (!f) return false;
     const bool ok = std::fwrite(png.data(), 1, png.size(), f) == png.size();
     return std::fclose(f) == 0 && ok;
+}
+
+bool writeAll(int fd, const std::string &data)
+{
+    for (size_t done = 0; done < data.size();) {
+        const ssize_t n = ::write(fd, data.data() + done, data.size() - done);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return false;
+        done += size_t(n);
+    }
+    return true;
+}
+
+// xclip reads the whole PNG, takes the clipboard and leaves a child behind to serve it; its
+// first process ends then, and so does this program.
+bool toClipboard(const std::string &png)
+{
+    int fds[2];
+    if (::pipe2(fds, O_CLOEXEC) != 0) return false;
+    const pid_t pid = ::fork();
+    if (pid < 0) return false;
+    if (pid == 0) {
+        ::dup2(fds[0], 0);
+        const int null = ::open("/dev/null", O_WRONLY);
+        if (null >= 0) ::dup2(null, 1), ::dup2(null, 2);
+        ::execlp("xclip", "xclip", "-selection", "clipboard", "-t", "image/png", "-i",
+                 static_cast<char *>(nullptr));
+        ::_exit(127);
+    }
+    ::close(fds[0]);
+    const bool written = writeAll(fds[1], png);
+    ::close(fds[1]);
+    int status = 0;
+    while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    return written && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 } // namespace
@@ -112,9 +164,10 @@ int main(int argc, char **argv)
         i = 3;
     }
     if (i != argc - 1) {
-        std::fprintf(stderr, "usage: x11-grab [-g WxH+X+Y] file\n");
+        std::fprintf(stderr, "usage: x11-grab [-g WxH+X+Y] (-c | file)\n");
         return 2;
     }
+    const bool clipboard = std::strcmp(argv[i], "-c") == 0;
     xcb_connection_t *c = xcb_connect(nullptr, nullptr);
     if (xcb_connection_has_error(c)) return 1;
     if (w < 0) {
@@ -122,8 +175,12 @@ int main(int argc, char **argv)
         w = screen->width_in_pixels, h = screen->height_in_pixels;
     }
     Pixels p;
-    const bool ok = grab(c, x, y, w, h, p) && writePng(p, argv[i]);
+    std::string png;
+    if (grab(c, x, y, w, h, p)) png = encodePng(p);
     std::free(p.reply);
     xcb_disconnect(c);
-    return ok ? 0 : 1;
+    if (png.empty()) return 1;
+    // A broken pipe (xclip gone) is a failure to report, not a signal to die of.
+    std::signal(SIGPIPE, SIG_IGN);
+    return (clipboard ? toClipboard(png) : writeFile(png, argv[i])) ? 0 : 1;
 }

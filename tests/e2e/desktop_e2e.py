@@ -72,20 +72,14 @@ class CaptureRoadTest(E2ETestCase):
         self.assertEqual(s.differing_pixels(got, s.crop(ref, 400, 250, w, h, "want.png")), 0)
         viewer.kill()
 
-        # A quit during a selection ends the program at once and the helper with it; the next
-        # capture clears what the killed helper left.
+        # A quit during a selection ends the program at once and the helper with it, and leaves
+        # no file behind: the road to the clipboard goes through a pipe.
         s.key("ctrl+shift+2")
         self.assertTrue(wait_for(self.slop_ready, 5.0))
         s.proc.terminate()
         self.assertEqual(s.wait_exit(3), 0)
         self.assertTrue(wait_for(lambda: not self.slop_ready(), 2.0), "the selection went with it")
-        self.assertEqual(len(self.helper_folders()), 2, "the killed helper's folder")
-        s.start()
-        s.key("ctrl+shift+2")
-        self.assertTrue(wait_for(self.slop_ready, 5.0))
-        time.sleep(1.0)
-        s.run("xdotool", "keydown", "Escape", "sleep", "0.15", "keyup", "Escape")
-        self.assertTrue(wait_for(lambda: self.helper_folders() == [alive], 3.0), self.helper_folders())
+        self.assertEqual(self.helper_folders(), [alive])
 
     def test_a_held_key_a_helper_gone_before_its_owner_and_an_owner_that_never_answers(self):
         s = self.s
