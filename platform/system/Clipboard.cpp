@@ -2,6 +2,7 @@
 
 #include "platform/core/Logging.h"
 #include "platform/core/X11.h"
+#include "platform/system/SelectionReader.h"
 
 #include <QBuffer>
 #include <QClipboard>
@@ -11,11 +12,7 @@
 #include <QGuiApplication>
 #include <QImageReader>
 #include <QMimeData>
-#include <QProcess>
-#include <QStandardPaths>
 #include <QThread>
-#include <QTimer>
-#include <algorithm>
 #include <cstdlib>
 #include <xcb/xcb.h>
 
@@ -30,32 +27,6 @@ const char *const kPreferred[] = {"image/png",
                                   "image/jpeg",
                                   "image/gif",
                                   "image/x-portable-pixmap"};
-
-// One conversion of the clipboard by xclip, given up at the deadline. Events other than user
-// input go on meanwhile, so that a selection we own ourselves is still served.
-QByteArray xclipOut(const QString &target, const QDeadlineTimer &deadline)
-{
-    QProcess p;
-    p.setStandardInputFile(QProcess::nullDevice());
-    p.setStandardErrorFile(QProcess::nullDevice());
-    QEventLoop loop;
-    QObject::connect(&p, &QProcess::finished, &loop, &QEventLoop::quit);
-    QObject::connect(&p, &QProcess::errorOccurred, &loop, &QEventLoop::quit);
-    QTimer timer;
-    timer.setSingleShot(true);
-    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
-    p.start(QStringLiteral("xclip"), {"-o", "-selection", "clipboard", "-t", target});
-    timer.start(std::max<qint64>(0, deadline.remainingTime()));
-    if (p.state() != QProcess::NotRunning) loop.exec(QEventLoop::ExcludeUserInputEvents);
-    if (p.state() != QProcess::NotRunning) {
-        // An owner that doesn't answer: the read is over, and the picture not available.
-        p.kill();
-        p.waitForFinished(500);
-        return {};
-    }
-    return p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0 ? p.readAllStandardOutput()
-                                                                       : QByteArray();
-}
 
 } // namespace
 
@@ -76,30 +47,30 @@ static void waitForNewOwner(quint32 before)
     QElapsedTimer waited;
     waited.start();
     while (Clipboard::owner() == before && waited.elapsed() < 500) {
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, 20);
-        QThread::msleep(10);
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, 2);
+        QThread::msleep(2);
     }
 }
 
 bool Clipboard::readThroughX11()
 {
     if (QGuiApplication::platformName() != QLatin1String("xcb")) return false;
-    if (QStandardPaths::findExecutable(QStringLiteral("xclip")).isEmpty()) return false;
+    SelectionReader reader{QDeadlineTimer(2000)};
+    if (!reader.isValid()) return false;
     // The capture helper's PNG asked for at once; else one request for the types and one for
     // the best picture type. All within 2 seconds. Some owners answer any type with what they
     // hold (xclip with text does): only a PNG's signature counts as the PNG.
-    const QDeadlineTimer deadline(2000);
-    m_bytes = xclipOut(QStringLiteral("image/png"), deadline);
+    m_bytes = reader.read("image/png");
     if (m_bytes.startsWith("\x89PNG\r\n\x1a\n")) return m_available = true;
     m_bytes.clear();
-    const QList<QByteArray> targets = xclipOut(QStringLiteral("TARGETS"), deadline).split('\n');
+    const QList<QByteArray> targets = reader.read("TARGETS").split('\n');
     QByteArray best;
     for (const char *f : kPreferred)
         if (best.isEmpty() && targets.contains(QByteArray(f))) best = f;
     for (const QByteArray &t : targets)
         if (best.isEmpty() && t.startsWith("image/")) best = t;
     if (best.isEmpty()) return true;
-    m_bytes = xclipOut(QString::fromLatin1(best), deadline);
+    m_bytes = reader.read(best);
     m_available = !m_bytes.isEmpty();
     qCDebug(lcCapture) << "clipboard offers" << best << "," << m_bytes.size() << "bytes";
     return true;

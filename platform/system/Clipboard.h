@@ -1,7 +1,8 @@
 #pragma once
 // A look at the system clipboard as it is when the object is made. On X11 the clipboard is read
-// once, through xclip, and the whole read is bounded: an owner that never answers costs two
-// seconds and reads as no picture. Qt's own clipboard asks each type with a 5 s timeout.
+// once, on a connection of our own, and the whole read is bounded: an owner that never answers
+// costs two seconds and reads as no picture. Qt's own clipboard asks each type with a 5 s
+// timeout.
 
 #include <QByteArray>
 #include <QImage>

@@ -3,7 +3,9 @@ placed in the work area, close, quit; a preference file that can't be read; the 
 hot key during it)."""
 
 import os
+import struct
 import time
+import zlib
 
 from harness import E2ETestCase, expected_content_origin, main, wait_for
 
@@ -61,6 +63,41 @@ class CaptureTest(E2ETestCase):
         s.env["QT_SCALE_FACTOR"] = "2"
         s.start()
         self.assert_inside(s.open_editor(), (0, 40, 1280, 984))
+
+
+def padded(path, extra):
+    """The same PNG with a private chunk of `extra` bytes after its header: the same pixels in a
+    file larger than one X request."""
+    with open(path, "rb") as f:
+        png = f.read()
+    body = b"vnTa" + bytes(extra)
+    chunk = struct.pack(">I", extra) + body + struct.pack(">I", zlib.crc32(body))
+    out = path[:-4] + "-padded.png"
+    with open(out, "wb") as f:
+        f.write(png[:33] + chunk + png[33:])  # the signature and IHDR are 33 bytes
+    return out
+
+
+class ClipboardOwnersTest(E2ETestCase):
+    """The clipboard read in the program's own process, whoever owns it after the helper (the
+    program's own Copy: output_e2e)."""
+
+    def test_a_large_png_and_a_bmp_without_png(self):
+        s = self.s
+        known = s.picture("known.png", "200x120", "gradient:red-blue", "-fx", "u+(i%7)/255")
+        bmp = os.path.join(s.tmp, "known.bmp")
+        s.run("convert", known, "BMP3:" + bmp)
+        put = "xclip -selection clipboard -t {} -i '{}' </dev/null >/dev/null 2>&1"
+        s.start()
+        rows = (("3 MB of PNG, sent in increments", put.format("image/png", padded(known, 3 << 20))),
+                ("a BMP and no PNG", put.format("image/bmp", bmp)))
+        for name, helper in rows:
+            with self.subTest(name):
+                s.fake_capture(helper)
+                wid = s.open_editor()
+                self.assert_editor_shows(wid, known)
+                s.close_box(wid)
+                self.assertTrue(wait_for(lambda: not s.mapped(wid)))
 
 
 class LaptopScreenTest(E2ETestCase):
