@@ -1,8 +1,9 @@
 #!/usr/bin/python3
 """The figures a user waits for on a real X server: a private 1920x1080 Xvfb under openbox, the
 program from the bundle with the real slop, maim and xclip, xdotool for the hand, and
-vantrel_xprobe watching the screen. Beside each figure the same one for a Flameshot daemon
-started in the same run, where one is installed. Medians of interleaved runs, ms.
+vantrel_xprobe watching the screen and making the timed input itself (the hot key, the button's
+release). Beside each figure the same one for a Flameshot daemon started in the same run, where
+one is installed. Medians of interleaved runs, ms.
 
     bench/x11_bench.py [--build build] [--program other-build] [--runs 9]
 --program: the build whose bundle is measured (default: --build, which holds vantrel_xprobe).
@@ -89,10 +90,16 @@ class Session:
         subprocess.run(["xdotool", *args], env=self.env, check=True)
 
 
-def waited(probe, t0):
+def waited(probe, t0=0.0):
+    """The probe's answer less t0 (s); with no t0 the probe timed from the input it made."""
     out = probe.stdout.readline().strip()
     probe.wait()
     return float(out) - t0 * 1000 if out not in ("", "timeout") else float("nan")
+
+
+def released(s, probe):
+    """The drag's end made by the probe, timed from the button's release itself."""
+    return waited(s.probe(*probe, "then", "release"))
 
 
 def drag(s, region):
@@ -126,17 +133,11 @@ class Vantrel:
         time.sleep(4.0)  # start-up and the splash over
 
     def overlay(self):
-        p = self.s.probe("map")
-        t0 = time.monotonic()
-        self.s.xdo("key", "ctrl+shift+2")
-        return waited(p, t0)
+        return waited(self.s.probe("map", "then", "hotkey"))
 
     def drawn(self, region=DRAG, probe=("pixel", str(W // 2), str(H // 2), MARK)):
         drag(self.s, region)
-        p = self.s.probe(*probe)
-        t0 = time.monotonic()
-        self.s.xdo("mouseup", "1")
-        return waited(p, t0)
+        return released(self.s, probe)
 
     def close_window(self):
         # The close box, as the window manager does it; a key would need the window focused.
@@ -176,10 +177,7 @@ class Flameshot:
 
     def drawn(self, region=DRAG, probe=("map",)):
         drag(self.s, region)
-        p = self.s.probe(*probe)
-        t0 = time.monotonic()
-        self.s.xdo("mouseup", "1")
-        return waited(p, t0)
+        return released(self.s, probe)
 
     def close_window(self):
         # A pinned window closes on Escape with the pointer over it.
@@ -244,8 +242,10 @@ def main():
                          ("closed", "after 10 captures of 1920x1080, window closed"),
                          ("open", "after 10 captures of 1920x1080, window open")):
             print(f"{label:58} " + " ".join(f"{'%.1f / %.1f' % rows[(p.name, k)]:>16}" for p in programs))
+        print("Times from the input itself, made by the probe (no xdotool start-up in them).")
         if "Flameshot" in figures:
-            print("Flameshot's window: its pinned window mapped (drawn follows within a frame).")
+            print("Flameshot: the overlay from `flameshot gui` started, as a desktop's key binding does;")
+            print("its window: its pinned window mapped (drawn follows within a frame).")
         for p in programs:
             p.stop()
         # The slider step on this server, the paint and its transfer included.

@@ -5,7 +5,7 @@ set -eu
 
 PKGS="cmake g++ make pkg-config git clang-format
 qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins qt6-svg-dev libqt6svg6 libgl-dev
-libplist-dev libplist-utils libxcb1-dev libxcb-keysyms1-dev libxkbcommon-dev
+libplist-dev libplist-utils libxcb1-dev libxcb-keysyms1-dev libxcb-xtest0-dev libxkbcommon-dev
 libmagick++-6.q16-dev libzstd-dev zlib1g-dev
 imagemagick xclip xdotool xvfb x11-utils x11-xserver-utils xdg-utils poppler-utils
 dbus at-spi2-core python3 python3-pyatspi gir1.2-atspi-2.0 python3-pil libimage-exiftool-perl netpbm file trayer
