@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <memory>
+#include <thread>
 #include <vector>
 
 namespace editor {
@@ -205,8 +207,38 @@ QImage ScaledPicture::render(const QRect &rect) const
     if (holdsPixels()) return d->pixels.copy(r).convertToFormat(QImage::Format_RGB32);
     if (!d->whole.isNull()) return d->whole.copy(r);
     QImage out(r.size(), QImage::Format_RGB32);
-    if (!out.isNull()) renderInto(out, r);
+    if (!out.isNull()) renderInParallel(out, r);
     return out;
+}
+
+// A whole output picture is rendered in bands, one a core: each pixel depends on its position
+// alone, so the bands join without a seam. The preview's screenful stays on one thread.
+void ScaledPicture::renderInParallel(QImage &out, const QRect &r) const
+{
+    constexpr qint64 kBandPixels = qint64(1) << 20;
+    const int cores = int(std::clamp(std::thread::hardware_concurrency(), 1u, 8u));
+    const int bands =
+        int(std::clamp<qint64>(qint64(r.width()) * r.height() / kBandPixels, 1, cores));
+    if (bands == 1) {
+        renderInto(out, r);
+        return;
+    }
+    std::vector<std::thread> workers;
+    const int rows = (r.height() + bands - 1) / bands;
+    for (int top = 0; top < r.height(); top += rows) {
+        const int height = std::min(rows, r.height() - top);
+        // A view of the band's rows of `out`, written in place.
+        auto band = std::make_shared<QImage>(out.scanLine(top), out.width(), height,
+                                             out.bytesPerLine(), out.format());
+        const QRect part(r.left(), r.top() + top, r.width(), height);
+        if (top + rows >= r.height()) {
+            renderInto(*band, part); // the last band on this thread
+        } else {
+            workers.emplace_back([this, band, part] { renderInto(*band, part); });
+        }
+    }
+    for (std::thread &w : workers)
+        w.join();
 }
 
 void ScaledPicture::draw(QPainter &painter, QPoint at, const QRect &source) const

@@ -45,6 +45,7 @@ public:
 
 private:
     void renderInto(QImage &out, const QRect &r) const;
+    void renderInParallel(QImage &out, const QRect &r) const;
 
     struct Data;
     std::shared_ptr<Data> d;

@@ -6,6 +6,7 @@
 #include "app/splash.h"
 #include "editor/Caption.h"
 #include "editor/EditorMath.h"
+#include "editor/ScaledPicture.h"
 #include "editor/Window1.h"
 #include "platform/core/Failure.h"
 #include "platform/framework/Canvas.h"
@@ -312,6 +313,25 @@ private slots:
         QCOMPARE(
             (QList<int>{w.ScrollBarH->maximum(), w.ScrollBarV->maximum(), w.ScrollBarH->value()}),
             (QList<int>{h, v, h / 3}));
+    }
+
+    // A whole output picture is rendered in bands on several threads; strips small enough for
+    // one thread each must give the same pixels, seams included, on both paths and under a
+    // caption band that crosses them.
+    void scaledPicture_wholeInBandsEqualsItsStrips()
+    {
+        QImage band(2100, 120, QImage::Format_ARGB32_Premultiplied);
+        band.fill(QColor(0, 0, 0, 128));
+        for (const auto path : {editor::ScalingPath::Smooth, editor::ScalingPath::Plain}) {
+            const editor::ScaledPicture pic = editor::ScaledPicture::described(
+                patternImage(700, 500), 3.0, QSize(2100, 1500), path, band, QPoint(0, 690));
+            const QImage whole = pic.toImage();
+            QCOMPARE(whole.size(), QSize(2100, 1500));
+            for (int top = 0; top < 1500; top += 64) {
+                const QRect strip(0, top, 2100, qMin(64, 1500 - top));
+                QCOMPARE(pic.render(strip), whole.copy(strip));
+            }
+        }
     }
 
     void pan_movesTheViewWithTheHand()
