@@ -333,7 +333,7 @@ int main(int argc, char **argv)
         const double copy = bestOf(at > 200 ? 1 : 3, copyOnce, &once);
         QImage copied;
         copied = QGuiApplication::clipboard()->image();
-        const double encoded = at > 200 ? -1 : bestOf(1, [&] { pngOf(copied); }) + copy;
+        const double encoded = at > 200 ? -1 : bestOf(3, [&] { pngOf(copied); }) + copy;
         copied = QImage();
         QGuiApplication::clipboard()->clear();
         w.ScaledImage = w.getscaledimage();
@@ -343,7 +343,7 @@ int main(int argc, char **argv)
             ref = capture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
         });
         const double refEncoded =
-            at > 200 || ref.isNull() ? -1 : bestOf(1, [&] { pngOf(ref); }) + scaled;
+            at > 200 || ref.isNull() ? -1 : bestOf(3, [&] { pngOf(ref); }) + scaled;
         ref = QImage();
         auto cell = [](double v) { return v < 0 ? QString("-") : QString::number(v, 'f', 0); };
         std::printf("%-20s %10.0f %12s %12.0f %14s\n", qPrintable(QString("%1 %").arg(at)), copy,
