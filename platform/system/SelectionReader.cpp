@@ -1,6 +1,7 @@
 #include "platform/system/SelectionReader.h"
 
 #include "platform/core/Logging.h"
+#include "platform/core/X11.h"
 
 #include <QCoreApplication>
 #include <algorithm>
@@ -19,13 +20,6 @@ struct FreeDeleter {
 };
 template <typename T> using Owned = std::unique_ptr<T, FreeDeleter>;
 
-xcb_atom_t intern(xcb_connection_t *c, const QByteArray &name)
-{
-    const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        c, xcb_intern_atom(c, 0, uint16_t(name.size()), name.constData()), nullptr));
-    return reply ? reply->atom : xcb_atom_t(XCB_NONE);
-}
-
 // A picture of 8K by 8K in any format fits; a bigger answer is refused, not collected.
 constexpr qsizetype kMaxBytes = qsizetype(512) << 20;
 
@@ -37,10 +31,10 @@ SelectionReader::SelectionReader(QDeadlineTimer deadline) : m_deadline(deadline)
     if (xcb_connection_has_error(m_c)) return;
     const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(m_c)).data;
     if (!screen) return;
-    m_clipboard = intern(m_c, "CLIPBOARD");
-    m_property = intern(m_c, "VANTREL_SELECTION");
-    m_incr = intern(m_c, "INCR");
-    m_targets = intern(m_c, "TARGETS");
+    m_clipboard = x11::atom(m_c, "CLIPBOARD");
+    m_property = x11::atom(m_c, "VANTREL_SELECTION");
+    m_incr = x11::atom(m_c, "INCR");
+    m_targets = x11::atom(m_c, "TARGETS");
     if (!m_clipboard || !m_property || !m_incr || !m_targets) return;
     const xcb_window_t window = xcb_generate_id(m_c);
     const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
@@ -83,7 +77,7 @@ std::optional<QByteArray> SelectionReader::property(bool *incremental)
 QByteArray SelectionReader::read(const QByteArray &target)
 {
     if (!isValid()) return {};
-    const xcb_atom_t type = target == "TARGETS" ? m_targets : intern(m_c, target);
+    const xcb_atom_t type = target == "TARGETS" ? m_targets : x11::atom(m_c, target.constData());
     if (!type) return {};
     xcb_delete_property(m_c, m_window, m_property);
     xcb_convert_selection(m_c, m_window, m_clipboard, type, m_property, XCB_CURRENT_TIME);
