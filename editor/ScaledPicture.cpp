@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <memory>
 #include <thread>
 #include <vector>
 
@@ -223,19 +222,21 @@ void ScaledPicture::renderInParallel(QImage &out, const QRect &r) const
         renderInto(out, r);
         return;
     }
+    // Each band writes its own rows of `out` in place, through a view of them.
+    uchar *const bits = out.bits();
+    const qsizetype stride = out.bytesPerLine();
+    const auto renderBand = [&, bits, stride](int top, int height) {
+        QImage band(bits + top * stride, out.width(), height, stride, out.format());
+        renderInto(band, QRect(r.left(), r.top() + top, r.width(), height));
+    };
     std::vector<std::thread> workers;
     const int rows = (r.height() + bands - 1) / bands;
     for (int top = 0; top < r.height(); top += rows) {
         const int height = std::min(rows, r.height() - top);
-        // A view of the band's rows of `out`, written in place.
-        auto band = std::make_shared<QImage>(out.scanLine(top), out.width(), height,
-                                             out.bytesPerLine(), out.format());
-        const QRect part(r.left(), r.top() + top, r.width(), height);
-        if (top + rows >= r.height()) {
-            renderInto(*band, part); // the last band on this thread
-        } else {
-            workers.emplace_back([this, band, part] { renderInto(*band, part); });
-        }
+        if (top + rows >= r.height())
+            renderBand(top, height); // the last band on this thread
+        else
+            workers.emplace_back(renderBand, top, height);
     }
     for (std::thread &w : workers)
         w.join();
