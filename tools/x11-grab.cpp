@@ -130,29 +130,57 @@ bool writeAll(int fd, const std::string &data)
 }
 
 // xclip reads the whole PNG, takes the clipboard and leaves a child behind to serve it; its
-// first process ends then, and so does this program.
-bool toClipboard(const std::string &png)
-{
-    int fds[2];
-    if (::pipe2(fds, O_CLOEXEC) != 0) return false;
-    const pid_t pid = ::fork();
-    if (pid < 0) return false;
-    if (pid == 0) {
-        ::dup2(fds[0], 0);
-        const int null = ::open("/dev/null", O_WRONLY);
-        if (null >= 0) ::dup2(null, 1), ::dup2(null, 2);
-        ::execlp("xclip", "xclip", "-selection", "clipboard", "-t", "image/png", "-i",
-                 static_cast<char *>(nullptr));
-        ::_exit(127);
+// first process ends then, and so does this program. It is started before the grab, so that its
+// start-up runs beside the grab and the encode.
+class Xclip {
+public:
+    bool start()
+    {
+        int fds[2];
+        if (::pipe2(fds, O_CLOEXEC) != 0) return false;
+        m_pid = ::fork();
+        if (m_pid < 0) {
+            ::close(fds[0]), ::close(fds[1]);
+            return false;
+        }
+        if (m_pid == 0) {
+            ::dup2(fds[0], 0);
+            const int null = ::open("/dev/null", O_WRONLY);
+            if (null >= 0) ::dup2(null, 1), ::dup2(null, 2);
+            ::execlp("xclip", "xclip", "-selection", "clipboard", "-t", "image/png", "-i",
+                     static_cast<char *>(nullptr));
+            ::_exit(127);
+        }
+        ::close(fds[0]);
+        m_fd = fds[1];
+        return true;
     }
-    ::close(fds[0]);
-    const bool written = writeAll(fds[1], png);
-    ::close(fds[1]);
-    int status = 0;
-    while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    bool finish(const std::string &png)
+    {
+        const bool written = writeAll(m_fd, png);
+        ::close(m_fd);
+        return reap() && written;
     }
-    return written && WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
+    // No picture: xclip must never see the end of its input, or it would take the clipboard
+    // with nothing in it.
+    void abandon()
+    {
+        ::kill(m_pid, SIGKILL);
+        ::close(m_fd);
+        reap();
+    }
+
+private:
+    bool reap() const
+    {
+        int status = 0;
+        while (::waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {
+        }
+        return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    }
+    pid_t m_pid = -1;
+    int m_fd = -1;
+};
 
 } // namespace
 
@@ -168,19 +196,23 @@ int main(int argc, char **argv)
         return 2;
     }
     const bool clipboard = std::strcmp(argv[i], "-c") == 0;
+    // A broken pipe (xclip gone) is a failure to report, not a signal to die of.
+    std::signal(SIGPIPE, SIG_IGN);
+    Xclip xclip;
+    if (clipboard && !xclip.start()) return 1;
     xcb_connection_t *c = xcb_connect(nullptr, nullptr);
-    if (xcb_connection_has_error(c)) return 1;
-    if (w < 0) {
+    if (!xcb_connection_has_error(c) && w < 0) {
         const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(c)).data;
         w = screen->width_in_pixels, h = screen->height_in_pixels;
     }
     Pixels p;
     std::string png;
-    if (grab(c, x, y, w, h, p)) png = encodePng(p);
+    if (!xcb_connection_has_error(c) && grab(c, x, y, w, h, p)) png = encodePng(p);
     std::free(p.reply);
     xcb_disconnect(c);
-    if (png.empty()) return 1;
-    // A broken pipe (xclip gone) is a failure to report, not a signal to die of.
-    std::signal(SIGPIPE, SIG_IGN);
-    return (clipboard ? toClipboard(png) : writeFile(png, argv[i])) ? 0 : 1;
+    if (png.empty()) {
+        if (clipboard) xclip.abandon();
+        return 1;
+    }
+    return (clipboard ? xclip.finish(png) : writeFile(png, argv[i])) ? 0 : 1;
 }

@@ -81,6 +81,22 @@ class CaptureRoadTest(E2ETestCase):
         self.assertTrue(wait_for(lambda: not self.slop_ready(), 2.0), "the selection went with it")
         self.assertEqual(self.helper_folders(), [alive])
 
+    def test_the_grab_hands_its_png_over_or_leaves_the_clipboard_as_it_was(self):
+        s = self.s
+        grab = os.path.join(os.path.dirname(harness.exe()), "x11-grab")
+        s.run("sh", "-c", "echo 'keep me' | xclip -selection clipboard -i >/dev/null 2>&1")
+        # xclip is started before the grab; a grab that fails must not let it take the clipboard.
+        for region, status in (("10x10+5000+5000", 1), ("64x32+1217+992", 1), ("0x5+0+0", 1),
+                               ("64x32", 2), ("64x32+1216+992", 0)):
+            with self.subTest(region=region):
+                self.assertEqual(s.run(grab, "-g", region, "-c", check=False).returncode, status)
+                if status:
+                    time.sleep(0.3)
+                    self.assertEqual(s.clipboard("UTF8_STRING"), b"keep me\n")
+        got = s.clipboard_png()
+        self.assertEqual(s.size_of(got), "64x32")
+        self.assertEqual(s.differing_pixels(got, s.screen_part(1216, 992, 64, 32)), 0)
+
     def test_a_held_key_a_helper_gone_before_its_owner_and_an_owner_that_never_answers(self):
         s = self.s
         s.capture_puts(self.known)
