@@ -62,7 +62,9 @@ void App::_Startup()
 void App::showTrayIconUnlessHidden()
 {
     if (isDockIconHiddenAtLaunch()) return;
-    m_tray = std::make_unique<fw::TrayIcon>(services().bundle.resources() + "/Vantrel.svg");
+    // The picture drawn from the SVG at build time: drawing the SVG itself would keep Qt's SVG
+    // engine in the resident process for good.
+    m_tray = std::make_unique<fw::TrayIcon>(services().bundle.resources() + "/icon.png");
     connect(m_tray.get(), &fw::TrayIcon::commandChosen, this,
             [this](const QString &name) { dispatchMenuCommand(name); });
 }

@@ -47,11 +47,11 @@ int main(int argc, char **argv)
     if (command.kind == CommandLine::Kind::Quit) return 0; // nothing runs that could quit
 
     auto services = servicesForThisMachine();
-    // Taskbars group the windows under the launcher's name and icon.
+    // Taskbars group the windows under the launcher's name and icon (in the bundle, a picture:
+    // see the tray icon).
     QGuiApplication::setDesktopFileName(QStringLiteral("com.Morlane.Vantrel"));
-    QApplication::setWindowIcon(
-        QIcon::fromTheme(QStringLiteral("com.Morlane.Vantrel"),
-                         QIcon(services->bundle.resources() + "/Vantrel.svg")));
+    QApplication::setWindowIcon(QIcon::fromTheme(
+        QStringLiteral("com.Morlane.Vantrel"), QIcon(services->bundle.resources() + "/icon.png")));
     Preferences preferences(services->preferenceDomains);
     Session session;
     App app(*services, preferences, session);
