@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -233,10 +234,15 @@ void ScaledPicture::renderInParallel(QImage &out, const QRect &r) const
     const int rows = (r.height() + bands - 1) / bands;
     for (int top = 0; top < r.height(); top += rows) {
         const int height = std::min(rows, r.height() - top);
-        if (top + rows >= r.height())
+        if (top + rows >= r.height()) {
             renderBand(top, height); // the last band on this thread
-        else
+            continue;
+        }
+        try {
             workers.emplace_back(renderBand, top, height);
+        } catch (const std::system_error &) { // no thread to be had: this one does it
+            renderBand(top, height);
+        }
     }
     for (std::thread &w : workers)
         w.join();
