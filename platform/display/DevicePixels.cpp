@@ -13,9 +13,11 @@ namespace {
 bool geometryOf(xcb_connection_t *c, QWidget *window, QRect *at)
 {
     const auto w = xcb_window_t(window->winId());
-    xcb_translate_coordinates_reply_t *r = xcb_translate_coordinates_reply(
-        c, xcb_translate_coordinates(c, w, x11::root(c), 0, 0), nullptr);
-    xcb_get_geometry_reply_t *g = xcb_get_geometry_reply(c, xcb_get_geometry(c, w), nullptr);
+    // Both asked before either answer is awaited: one wait, not two.
+    const auto where = xcb_translate_coordinates(c, w, x11::root(c), 0, 0);
+    const auto size = xcb_get_geometry(c, w);
+    xcb_translate_coordinates_reply_t *r = xcb_translate_coordinates_reply(c, where, nullptr);
+    xcb_get_geometry_reply_t *g = xcb_get_geometry_reply(c, size, nullptr);
     const bool ok = r && g;
     if (ok) *at = QRect(r->dst_x, r->dst_y, g->width, g->height);
     std::free(r);

@@ -71,12 +71,19 @@ bool readDesktop(QSize *root, QRect *workArea, QList<Strut> *struts)
     if (areas.size() >= 4 * qsizetype(d + 1))
         *workArea = QRect(int(areas[4 * d]), int(areas[4 * d + 1]), int(areas[4 * d + 2]),
                           int(areas[4 * d + 3]));
-    for (quint32 w : x11::cardinals(c, screen->root, "_NET_CLIENT_LIST", XCB_ATOM_WINDOW, 4096)) {
-        const QList<quint32> p =
-            x11::cardinals(c, w, "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL, 12);
-        const QList<quint32> v =
-            p.size() == 12 ? p : x11::cardinals(c, w, "_NET_WM_STRUT", XCB_ATOM_CARDINAL, 4);
-        const auto i = [&v](int k) { return int(std::min<quint32>(v[k], 1u << 20)); };
+    // Every window asked at once and answered in one wait: this runs at each step of a drag.
+    const QList<quint32> windows =
+        x11::cardinals(c, screen->root, "_NET_CLIENT_LIST", XCB_ATOM_WINDOW, 4096);
+    QList<xcb_get_property_cookie_t> partial, whole;
+    for (quint32 w : windows) {
+        partial << x11::askCardinals(c, w, "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL, 12);
+        whole << x11::askCardinals(c, w, "_NET_WM_STRUT", XCB_ATOM_CARDINAL, 4);
+    }
+    for (qsizetype k = 0; k < windows.size(); ++k) {
+        const QList<quint32> p = x11::cardinals(c, partial[k]);
+        const QList<quint32> w = x11::cardinals(c, whole[k]);
+        const QList<quint32> &v = p.size() == 12 ? p : w;
+        const auto i = [&v](int n) { return int(std::min<quint32>(v[n], 1u << 20)); };
         if (v.size() == 12)
             struts->append(
                 {i(0), i(1), i(2), i(3), i(4), i(5), i(6), i(7), i(8), i(9), i(10), i(11)});
