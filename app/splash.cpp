@@ -56,7 +56,7 @@ splash::splash(fw::Services &services, fw::WindowRegistry &registry)
     Timer2->setSingleShot(true);
     Timer2->setInterval(1500);
     Timer2->setTimerType(Qt::PreciseTimer); // a coarse timer may fire 5 % early
-    connect(Timer2, &QTimer::timeout, this, [this] { fw::guarded([this] { Timer2_Action(); }); });
+    fw::connectGuarded(Timer2, &QTimer::timeout, this, [this] { Timer2_Action(); });
 }
 
 splash::~splash() = default;

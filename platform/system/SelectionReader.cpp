@@ -1,9 +1,9 @@
 #include "platform/system/SelectionReader.h"
 
+#include "platform/core/EventLoop.h"
 #include "platform/core/Logging.h"
 #include "platform/core/X11.h"
 
-#include <QCoreApplication>
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
@@ -56,7 +56,7 @@ xcb_generic_event_t *SelectionReader::next()
         if (xcb_generic_event_t *e = xcb_poll_for_event(m_c)) return e;
         if (xcb_connection_has_error(m_c) || m_deadline.hasExpired()) return nullptr;
         // The owner may be this very program: its events are served between looks.
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        yieldOnce();
         pollfd fd{xcb_get_file_descriptor(m_c), POLLIN, 0};
         ::poll(&fd, 1, int(std::clamp<qint64>(m_deadline.remainingTime(), 0, 4)));
     }
