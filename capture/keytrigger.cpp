@@ -30,8 +30,8 @@ void keytrigger::Listen()
 {
     if (m_listening) return;
     m_listening = true;
-    connect(&m_events, &fw::HotKeyService::hotKeyPressed, this,
-            [this](quint32 sig, int id) { fw::guarded([&] { Event_HotKeyPressed(sig, id); }); });
+    fw::connectGuarded(&m_events, &fw::HotKeyService::hotKeyPressed, this,
+                       [this](quint32 sig, int id) { Event_HotKeyPressed(sig, id); });
 }
 
 void keytrigger::Event_HotKeyPressed(quint32 hotkeysignature, int)
@@ -76,7 +76,8 @@ void keytrigger::Event_HotKeyPressed(quint32 hotkeysignature, int)
     emit pictureTaken(p);
     fw::rethrowPending(); // what a listener failed with ends this press too
 
-    // Seen through an all-black mask the picture is itself, opaque: no mask is made.
-    emit captured(fw::BitmapOf(p));
+    // Seen through an all-black mask the picture is itself, opaque: no mask is made. A copy
+    // that can't be had fails here like a picture that can't be decoded.
+    emit captured(fw::nilCheck(fw::BitmapOf(p)));
     fw::rethrowPending();
 }

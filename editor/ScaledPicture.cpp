@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <exception>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -226,26 +227,36 @@ void ScaledPicture::renderInParallel(QImage &out, const QRect &r) const
     // Each band writes its own rows of `out` in place, through a view of them.
     uchar *const bits = out.bits();
     const qsizetype stride = out.bytesPerLine();
-    const auto renderBand = [&, bits, stride](int top, int height) {
-        QImage band(bits + top * stride, out.width(), height, stride, out.format());
-        renderInto(band, QRect(r.left(), r.top() + top, r.width(), height));
+    // A band that fails (out of memory) is rethrown here once every thread has ended, as the
+    // failure of the whole.
+    std::vector<std::exception_ptr> failed(static_cast<size_t>(bands));
+    const auto renderBand = [&, bits, stride](int i, int top, int height) {
+        try {
+            QImage band(bits + top * stride, out.width(), height, stride, out.format());
+            renderInto(band, QRect(r.left(), r.top() + top, r.width(), height));
+        } catch (...) {
+            failed[size_t(i)] = std::current_exception();
+        }
     };
     std::vector<std::thread> workers;
+    workers.reserve(failed.size());
     const int rows = (r.height() + bands - 1) / bands;
-    for (int top = 0; top < r.height(); top += rows) {
+    for (int top = 0, i = 0; top < r.height(); top += rows, ++i) {
         const int height = std::min(rows, r.height() - top);
         if (top + rows >= r.height()) {
-            renderBand(top, height); // the last band on this thread
+            renderBand(i, top, height); // the last band on this thread
             continue;
         }
         try {
-            workers.emplace_back(renderBand, top, height);
+            workers.emplace_back(renderBand, i, top, height);
         } catch (const std::system_error &) { // no thread to be had: this one does it
-            renderBand(top, height);
+            renderBand(i, top, height);
         }
     }
     for (std::thread &w : workers)
         w.join();
+    for (const std::exception_ptr &e : failed)
+        if (e) std::rethrow_exception(e);
 }
 
 void ScaledPicture::draw(QPainter &painter, QPoint at, const QRect &source) const

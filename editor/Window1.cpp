@@ -64,8 +64,8 @@ void Window1::setToolBar(QToolBar *bar)
 
 void Window1::takeCapture(const QImage &capture, const QString &scale)
 {
+    if (capture.isNull()) return; // the editor keeps what it shows
     mypic = capture;
-    if (mypic.isNull()) return; // the editor keeps what it shows
     loadimage(scale);
 }
 

@@ -233,6 +233,7 @@ QByteArray pngChunk(const char *type, const QByteArray &data)
 
 QByteArray withDescription(const QByteArray &file, ExportFormat format, const QString &description)
 {
+    if (file.isEmpty()) return file; // nothing was encoded: nothing to describe
     const QByteArray text = cleanUtf8(description);
     if (text.trimmed().isEmpty()) return file;
     QByteArray (*add)(QByteArray, const QByteArray &) = nullptr;
