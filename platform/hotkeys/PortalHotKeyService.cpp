@@ -125,6 +125,7 @@ void PortalHotKeyService::portalOwnerChanged(const QString &name, const QString 
         // may hold the old session for a moment and refuse new ones: a few tries, apart.
         if (!m_session.isEmpty()) m_lostSession = std::exchange(m_session, {});
         m_opening = false;
+        ++m_generation; // an answer to a request made before this is no longer ours to take
         m_tries = 5;
     }
     // Or back after a start that found none.
@@ -137,12 +138,13 @@ void PortalHotKeyService::openSession()
     m_opening = true;
     // The shortcuts go with the session (some desktops read them only there), and the token
     // stays the same, so that the desktop gives back the key it kept for it.
-    auto create = [this] {
+    auto create = [this, generation = m_generation] {
         PortalRequest::start(
             kInterface, QStringLiteral("CreateSession"), {},
             {{QStringLiteral("session_handle_token"), QString::fromLatin1(kSessionToken)},
              {QStringLiteral("shortcuts"), shortcuts()}},
-            this, [this](uint r, const QVariantMap &results) {
+            this, [this, generation](uint r, const QVariantMap &results) {
+                if (generation != m_generation) return;
                 m_opening = false;
                 if (r != kPortalDone && --m_tries > 0) return m_reopen.start();
                 m_tries = 0;

@@ -54,6 +54,7 @@ private:
     bool m_asked = false;
     bool m_bindAsked = false;
     bool m_opening = false;
+    int m_generation = 0; // counts the portal's departures
     int m_tries = 0;
     QString m_session;
     QString m_lostSession;
