@@ -48,9 +48,10 @@ void Commands::settingsStep(bool storeRequested)
                       m_prefs.appname);
 }
 
-void Commands::writeOutputKeys()
+void Commands::writeOutputKeys(bool withSettings)
 {
     m_prefs.prefaddstringvalue(PrefKeys::LastScale, m_source.scaleText());
+    if (withSettings) m_prefs.prefaddstringvalue(PrefKeys::Settings, m_session.settings);
     m_prefs.prefaddstringvalue(PrefKeys::LastFormat, prefwin::live().formatLabel());
 }
 

@@ -41,8 +41,8 @@ public:
 private:
     // Before an export: settings asked for on first use, else given to the exporter.
     void settingsStep(bool storeRequested);
-    // LastScale and LastFormat, after an output.
-    void writeOutputKeys();
+    // LastScale, the exporter's settings where asked, and LastFormat, after an output.
+    void writeOutputKeys(bool withSettings = false);
     void logExport(const char *command, fw::ExportStatus status) const;
 
     fw::Services &m_services;

@@ -7,9 +7,6 @@
 #include "output/Source.h"
 #include "platform/core/Logging.h"
 #include "platform/framework/Services.h"
-#include "prefs/Preferences.h"
-#include "prefs/Session.h"
-#include "prefs/prefwin.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -22,9 +19,7 @@ void Commands::ToolbarItem1_Action()
     QGuiApplication::clipboard()->setMimeData(clipboardPicture(picture, m_source.caption()));
     qCDebug(lcOutput) << "Copy put a picture of" << picture.size() << "on the clipboard";
     if (!m_services.shiftKeyDown()) m_source.hide();
-    m_prefs.prefaddstringvalue(PrefKeys::LastScale, m_source.scaleText());
-    m_prefs.prefaddstringvalue(PrefKeys::Settings, m_session.settings);
-    m_prefs.prefaddstringvalue(PrefKeys::LastFormat, prefwin::live().formatLabel());
+    writeOutputKeys(true);
 }
 
 } // namespace output

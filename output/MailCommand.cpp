@@ -70,9 +70,7 @@ void Commands::MailTB_Action()
     logExport("E-Mail",
               exportUnderFreeName(*exporter, [&] { exporter->OutputFile = file = freeName(); }));
 
-    m_prefs.prefaddstringvalue(PrefKeys::LastScale, m_source.scaleText());
-    m_prefs.prefaddstringvalue(PrefKeys::Settings, m_session.settings);
-    m_prefs.prefaddstringvalue(PrefKeys::LastFormat, prefwin::live().formatLabel());
+    writeOutputKeys(true);
 
     switch (prefwin::live().mailer()) {
     case 0:
